@@ -1,0 +1,70 @@
+// Drawing ports: the areas that a host offers to a plug-in.
+//
+// A port is a plain record that the host fills and keeps alive, unchanged but for `bounds`, from
+// 'show' until 'hide' has returned. `bounds` changes on the host's thread only, before the 'swin'
+// that tells of it.
+#pragma once
+
+#include "platform/export.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// A rectangle in device pixels, y down.
+typedef struct Rect {
+  int16_t top;
+  int16_t left;
+  int16_t bottom;
+  int16_t right;
+} Rect;
+
+typedef enum HalvenorPortKind {
+  kHalvenorPortX11Window = 1,
+  kHalvenorPortWaylandSurface = 2,
+  kHalvenorPortOffscreen = 3,
+} HalvenorPortKind;
+
+/// One finished frame of an offscreen port: rows of RGBA bytes.
+typedef struct HalvenorFrame {
+  const uint8_t* topRow; ///< first byte of the top row; valid during the callback only
+  ptrdiff_t stride;      ///< bytes from one row to the row below it; may be negative
+  int32_t width;         ///< pixels: the width of the port's bounds
+  int32_t height;        ///< pixels: the height of the port's bounds
+} HalvenorFrame;
+
+/// Receives each finished frame, on whichever thread drew it, while the plug-in's lock is held:
+/// copy and return. Never send a message from here and never wait for the host's thread.
+typedef void (*HalvenorFrameProc)(void* refCon, const HalvenorFrame* frame);
+
+typedef struct HalvenorPort {
+  HalvenorPortKind kind;
+  Rect bounds; ///< device pixels; top and left are 0 for a port that is a whole window
+
+  /// X11: name of the display, null for $DISPLAY. The platform layer opens its own connection.
+  const char* x11DisplayName;
+  /// X11: the window, which the host has mapped or will map.
+  uintptr_t x11Window;
+
+  /// Wayland: the host's `struct wl_display*` and `struct wl_surface*`. Nobody else may attach
+  /// buffers to the surface.
+  void* waylandDisplay;
+  void* waylandSurface;
+
+  /// Offscreen: called with each finished frame; null to finish frames without reading them back.
+  HalvenorFrameProc frameFinished;
+  void* frameRefCon;
+} HalvenorPort;
+
+typedef HalvenorPort* GrafPtr;
+
+/// Writes the bounds of `port` to `bounds` and returns `bounds`. A null port has an empty
+/// rectangle. Any thread that may use the port.
+HALVENOR_PLATFORM Rect* GetPortBounds(GrafPtr port, Rect* bounds);
+
+#ifdef __cplusplus
+}
+#endif

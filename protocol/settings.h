@@ -1,0 +1,94 @@
+// The settings block: what the host stores for the plug-in, and the one table of its fields.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace halvenor {
+
+/// A colour; each component is meant to lie in 0..1.
+struct Color {
+  float red;
+  float green;
+  float blue;
+};
+
+inline constexpr std::int32_t kSettingsVersion = 112;
+
+/// The stored block: 116 bytes without gaps, numbers in the machine's own byte order. Flags are 0
+/// for off and anything else for on. Any 116 bytes are a legal block: readers must bear every
+/// value.
+struct Settings {
+  std::int32_t settingsVersion;
+  float intensity;
+  float fade;
+  float zoom;
+  float zoomRotation; ///< degrees
+  float numLines;
+  Color innerColor;
+  Color outerColor;
+  std::int32_t smoothing;
+  std::int32_t glow;
+  std::int32_t colorCycle;
+  std::int32_t sharpOverlay;
+  std::int32_t showFrameRate;
+  std::int32_t frequencyScale;   ///< 0 linear, 1 square root, 2 logarithmic, 3 blended
+  std::int32_t fullScreenWidth;  ///< pixels; the low 16 bits go to the host
+  std::int32_t fullScreenHeight; ///< pixels; the low 16 bits go to the host
+  float reserved1;
+  float reserved2;
+  float reserved3;
+  std::int32_t trackTextDuration;  ///< milliseconds
+  std::int32_t numFrequencyLabels; ///< 0 or less: none
+  std::int32_t autopilot;
+  std::int32_t verticalLayout;
+  std::int32_t fontSize;   ///< pixels
+  std::int32_t frameDelay; ///< microseconds
+};
+
+static_assert(sizeof(Settings) == 116);
+static_assert(offsetof(Settings, innerColor) == 24);
+static_assert(offsetof(Settings, smoothing) == 48);
+static_assert(offsetof(Settings, frequencyScale) == 68);
+static_assert(offsetof(Settings, reserved1) == 80);
+static_assert(offsetof(Settings, trackTextDuration) == 92);
+static_assert(offsetof(Settings, frameDelay) == 112);
+
+/// The block of a first run, version included.
+const Settings& DefaultSettings();
+
+enum class SettingType { Real, Integer, Flag, Color };
+
+/// One field as people meet it: by its name on the command line and in presets, by its label in a
+/// window.
+struct SettingField {
+  std::string_view name;
+  SettingType type;
+  std::size_t offset; ///< bytes from the start of `Settings`
+  double minimum;     ///< smallest value offered to a person (a flag: 0, a colour: per component)
+  double maximum;     ///< largest value offered to a person
+  std::string_view label;
+  std::string_view unit; ///< empty where there is none
+};
+
+/// Every field that means something to a person, in stored order (the version and the reserved
+/// words are left out).
+std::span<const SettingField> SettingFields();
+
+/// The field called `name` (exact spelling), or null.
+const SettingField* FindSetting(std::string_view name);
+
+/// Sets `field` from `text`: a number, "on"/"off"/"true"/"false"/"yes"/"no"/0/1 for a flag,
+/// "R,G,B" for a colour. On failure returns what is wrong, ready to be shown, and leaves `settings`
+/// as it was. Values outside the field's range are refused.
+std::optional<std::string> SetFromText(Settings& settings, const SettingField& field,
+                                       std::string_view text);
+
+/// The value of `field` as `SetFromText` reads it back exactly.
+std::string ToText(const Settings& settings, const SettingField& field);
+
+} // namespace halvenor

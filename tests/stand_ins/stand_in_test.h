@@ -1,0 +1,23 @@
+// A fixture for suites over the stand-ins: each case starts from scratch and ends without misuse.
+#pragma once
+
+#include "tests/stand_ins/agl_stand_in.h"
+#include "tests/stand_ins/call_log.h"
+#include "tests/stand_ins/gl_recorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace halvenor::stand_ins {
+
+class StandInTest : public testing::Test {
+protected:
+  void SetUp() override { Reset(); }
+
+  void TearDown() override {
+    EXPECT_THAT(Misuses(), testing::IsEmpty());
+    Reset();
+  }
+};
+
+} // namespace halvenor::stand_ins

@@ -1,0 +1,69 @@
+// From sound to audio records: waveform and spectrum of every 50 ms.
+//
+// Magnitudes. Each record is seen through three Hann windows of 2048 frames, centred in the thirds
+// of its 50 ms, each transformed at 4096 points (8 points per bin of 86.13 Hz). A bin's level is
+// the highest one found within half a bin of its frequency in any window, peaks that fall between
+// two points interpolated. A level L, in decibels below a full-scale sine, becomes
+//
+//   255 x ((L + 90) / 90)^2,   0 below -90 dB
+//
+// so a full-scale sine reaches 255 at every frequency, -10 dB is 201, -30 dB 113, -60 dB 28, and
+// digital silence (16-bit noise as well) is exactly 0.
+#pragma once
+
+#include "protocol/render_visual_data.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace halvenor {
+
+inline constexpr int kAnalysisRate = 44100;           ///< frames a second
+inline constexpr std::size_t kFramesPerRecord = 2205; ///< 50 ms
+
+/// Record `index` shows the sound from 50 x index to 50 x index + 50 ms.
+struct AnalysedSound {
+  std::uint64_t index;
+  RenderVisualData record; ///< two waveform and two spectrum channels
+  /// The record's frames, left and right alternating, within -1..+1: `kFramesPerRecord` of them,
+  /// fewer in a last record that is partly padding. Valid during the call that hands it over.
+  std::span<const float> sound;
+};
+
+/// Not safe for concurrent calls; allocates nothing after construction.
+class Analyser {
+public:
+  /// Receives the records in order, from within `Push` and `Flush`; must not call the analyser.
+  using Receiver = std::function<void(const AnalysedSound&)>;
+
+  explicit Analyser(Receiver receiver);
+  ~Analyser();
+  Analyser(const Analyser&) = delete;
+  Analyser& operator=(const Analyser&) = delete;
+
+  /// Takes stereo sound at `kAnalysisRate`, left and right alternating (an odd last value is
+  /// ignored). Values beyond -1..+1 are clipped, those that are no number are silence. A record
+  /// comes when 15 ms beyond its end have been pushed: its windows reach that far.
+  void Push(std::span<const float> sound);
+
+  /// Ends the sound: yields what is left, the last record padded with silence, and starts anew at
+  /// record 0. Sound of any length yields its length / 50 ms records, rounded up.
+  void Flush();
+
+  /// Forgets everything pushed and starts anew at record 0.
+  void Reset();
+
+private:
+  struct Transform;
+
+  void Take(float left, float right);
+  void AnalyseRecord();
+
+  Receiver receiver_;
+  std::unique_ptr<Transform> transform_;
+};
+
+} // namespace halvenor

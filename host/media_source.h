@@ -1,0 +1,19 @@
+// What the two sources of sound share: `AudioReader` (host/audio_reader.h), which decodes as fast
+// as it is asked, and `MediaPlayer` (host/media_player.h), which plays. Both take a path or a URI,
+// anything that GStreamer and its installed plug-ins decode, and analyse its first sound stream at
+// any rate: mono feeds both channels, more than two are mixed down.
+#pragma once
+
+#include <string>
+
+namespace halvenor {
+
+/// What a medium says of itself, UTF-8. `title` is never empty once the medium is open: without
+/// a tag it is the file's name without its extension.
+struct MediaTags {
+  std::string title;
+  std::string artist;
+  friend bool operator==(const MediaTags&, const MediaTags&) = default;
+};
+
+} // namespace halvenor

@@ -67,8 +67,10 @@ public:
 
   [[nodiscard]] const PluginRegistration& Registration() const { return registration_; }
 
-  /// Begins an activation. One status alone means that there is none: `status::kOutOfMemory`.
+  /// Begins an activation. A status other than 0 is a warning when the plug-in set itself up all
+  /// the same (`IsInitialised`), else there is no activation.
   Status Init();
+  [[nodiscard]] bool IsInitialised() const { return initialised_; }
   /// Ends the activation, hiding first when shown. Does nothing without one.
   Status Cleanup();
 
@@ -101,12 +103,12 @@ private:
   PluginHost(const PluginModule& module, HostServices& services);
 
   static Status OnRequest(void* appCookie, FourCharCode code, HostMessage* message);
-  Status Register(const HostMessage::Body& body);
-  Status FillFileSpec(const HostMessage::Body& body) const;
+  Status Register(HostMessage::Body& body);
+  Status FillFileSpec(HostMessage::Body& body);
   Status ReadPluginData(HostMessage::Body& body);
-  Status WritePluginData(const HostMessage::Body& body);
-  Status SwitchFullScreen(const HostMessage::Body& body);
-  Status TakeFullScreenOptions(const HostMessage::Body& body);
+  Status WritePluginData(HostMessage::Body& body);
+  Status SwitchFullScreen(HostMessage::Body& body);
+  Status TakeFullScreenOptions(HostMessage::Body& body);
 
   Status Send(FourCharCode code, VisualMessage& message);
   Status SendBare(FourCharCode code);

@@ -101,9 +101,10 @@ install_missing() {
 
 # What would be fetched, as apt-get words it; fails when a package is not known here.
 announce() {
-  LC_ALL=C apt-get install --assume-no --no-install-recommends "${missing[@]}" 2> /dev/null |
-    sed -n -e 's/^Need to get/  apt-get needs to fetch/p' \
-      -e 's/^After this operation, \(.*\) of additional.*/  and will use \1 of disk space./p'
+  LC_ALL=C apt-get -o Debug::NoLocking=1 install --assume-no --no-install-recommends \
+    "${missing[@]}" 2> /dev/null |
+    sed -n -e 's|^Need to get \([0-9.]* [kMG]*B\).*|  to fetch: \1|p' \
+      -e 's/^After this operation, \(.*\) of additional.*/  on disk: \1/p'
 }
 
 known() {

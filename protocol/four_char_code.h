@@ -12,7 +12,8 @@ using FourCharCode = std::uint32_t;
 /// The code spelled by `text`, for example `Code("init")`.
 consteval FourCharCode Code(const char (&text)[5]) {
   FourCharCode code = 0;
-  for (int i = 0; i < 4; ++i) code = (code << 8) | static_cast<unsigned char>(text[i]);
+  for (int i = 0; i < 4; ++i)
+    code = (code << 8) | static_cast<unsigned char>(text[i]);
   return code;
 }
 

@@ -14,9 +14,9 @@ inline constexpr std::uint32_t kDeliveryMilliseconds = 50;
 
 /// One delivery: 2050 bytes, the same on every machine.
 struct RenderVisualData {
-  std::uint8_t numWaveformChannels; ///< 0 to 2
+  std::uint8_t numWaveformChannels;                          ///< 0 to 2
   std::uint8_t waveform[kAudioChannels][kSamplesPerChannel]; ///< 128 is silence
-  std::uint8_t numSpectrumChannels; ///< 0 to 2
+  std::uint8_t numSpectrumChannels;                          ///< 0 to 2
   /// Magnitudes, low frequencies first. Bin i stands at i x 86.13 Hz; bins 256 to 511 are 0.
   std::uint8_t spectrum[kAudioChannels][kSamplesPerChannel];
 };

@@ -1,0 +1,65 @@
+// The one object that turns the plug-in's state into pictures.
+#pragma once
+
+#include "platform/carbon.h"
+#include "protocol/visual_plugin_data.h"
+#include "renderer/display.h"
+#include "scene/spectrum.h"
+
+#include <cstdint>
+
+namespace halvenor {
+
+/// Made once when the plug-in registers, opened and closed many times. Every operation needs the
+/// plug-in's lock; `Open`, `Close` and `Resize` run on the host's thread, and none of the first two
+/// while a frame is drawn.
+class Renderer {
+public:
+  Renderer();
+  ~Renderer();
+  Renderer(const Renderer&) = delete;
+  Renderer& operator=(const Renderer&) = delete;
+
+  /// Makes the renderer ready to draw into `rect` of `port`, closing it first when it is open.
+  /// 1 on success; 0 on a failure, which has been reported and has left nothing behind.
+  std::int32_t Open(GrafPtr port, const Rect* rect);
+
+  /// Releases all GL resources. Does nothing when closed.
+  void Close();
+
+  /// Follows the host's rectangle. 1 on success; 0 when closed or on a reported failure.
+  std::int32_t Resize(GrafPtr port, const Rect* rect);
+
+  /// Draws one frame. Draws nothing, and leaves the frame clock alone, when closed or without
+  /// `data`.
+  void Render(VisualPluginData* data);
+
+  /// Acts on a key. 0 when it is a command, -4 when the host may use it.
+  Status KeyboardInput(VisualPluginData* data, char key);
+
+  [[nodiscard]] bool IsOpen() const { return isOpen != 0; }
+  /// Smoothed frames per second.
+  [[nodiscard]] float FramesPerSecond() const { return fps; }
+  /// Length of the last frame interval in twentieths of a second.
+  [[nodiscard]] float FrameScale() const { return frameScale; }
+
+private:
+  /// Advances the frame clock: rate, scale and the display times of the message lines. Always 1.
+  std::int32_t EnterNewFrame(VisualPluginData* data);
+  void StartWindow();
+  void DrawLinesDirectly();
+  void DrawText(VisualPluginData* data);
+  void ReportFrameErrors();
+  /// Releases what an opening has made, the context last.
+  void ReleaseResources();
+
+  Spectrum spectrum;
+  Display display;
+  std::int32_t isOpen = 0;
+  std::int32_t inFrame = 0; ///< raised while a frame is drawn
+  AbsoluteTime lastFrameTime;
+  float fps = 0.0F;
+  float frameScale = 0.0F;
+};
+
+} // namespace halvenor

@@ -1,0 +1,16 @@
+// The one symbol that the module exports.
+#include "shell/registration.h"
+
+extern "C" __attribute__((visibility("default"))) halvenor::Status
+iTunesPluginMainMachO(halvenor::FourCharCode message, void* messageInfo, void* /*refCon*/) {
+  using namespace halvenor;
+  switch (message) {
+  case message::kCleanup:
+    return status::kOk;
+  case message::kInit:
+    RegisterVisualPlugin(static_cast<const PluginInitMessage*>(messageInfo));
+    return status::kOk;
+  default:
+    return status::kNotHandled;
+  }
+}

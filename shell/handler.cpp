@@ -1,0 +1,146 @@
+// The message handler: what the plug-in does with each message of its host.
+#include "platform/carbon.h"
+#include "shell/audio_intake.h"
+#include "shell/host_requests.h"
+#include "shell/plugin_state.h"
+#include "shell/registration.h"
+#include "shell/render_thread.h"
+#include "shell/settings_store.h"
+#include "shell/track_lines.h"
+
+namespace halvenor {
+namespace {
+
+// Which key the handler takes itself.
+constexpr char kConfigureKey = 'c';
+
+Status Initialise(VisualPluginData*, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  VisualPluginData* record = CreateRecord();
+  visualPluginData = record;
+  if (record == nullptr) return status::kOutOfMemory;
+  record->appCookie = message->init.appCookie;
+  record->appProc = message->init.appProc;
+  const Status result =
+      PlayerGetPluginFileSpec(record->appCookie, record->appProc, &record->pluginFileSpec);
+  visualPluginData = record; // messages from inside the host call came with something else
+  message->init.refCon = record;
+  InitialiseVisualPluginData(record);
+  return result;
+}
+
+Status CleanUp(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  CloseRenderer(); // lets go of the lock for a while: look again
+  if (LiveRecord(record) != nullptr) ReleaseRecord(record);
+  return status::kOk;
+}
+
+Status Show(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  if (record != nullptr) record->windowOptions = message->window.options;
+  return OpenRenderer(record, &message->window);
+}
+
+Status Hide(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  CloseRenderer(); // lets go of the lock for a while: look again
+  if (LiveRecord(record) == nullptr) return status::kOk;
+  MemClear(&record->trackInfo, sizeof record->trackInfo);
+  MemClear(&record->streamInfo, sizeof record->streamInfo);
+  return status::kOk;
+}
+
+Status SetWindow(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  if (record != nullptr) record->windowOptions = message->window.options;
+  const Rect rect = message->window.drawRect;
+  const bool resized = renderer != nullptr && renderer->Resize(message->window.port, &rect) != 0;
+  return resized ? status::kOk : status::kDisplayNotOpened;
+}
+
+Status TakeRenderData(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  record->renderTimeStampID = message->render.timeStampID;
+  ProcessRenderData(record, message->render.renderData);
+  return status::kOk;
+}
+
+Status Play(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  TakePlay(record, message->track.trackInfo, message->track.streamInfo);
+  return status::kOk;
+}
+
+Status ChangeTrack(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  TakeTrackChange(record, message->track.trackInfo, message->track.streamInfo);
+  return status::kOk;
+}
+
+Status PauseOrStop(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  record->playing = 0;
+  ResetRenderData(record);
+  return status::kOk;
+}
+
+Status Unpause(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  record->playing = 1;
+  return status::kOk;
+}
+
+Status TakeEvent(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  const EventRecord* event = message->event.event;
+  if (event->what != kKeyDownEvent && event->what != kKeyRepeatEvent) return status::kNotHandled;
+  const auto key = static_cast<char>(event->message & 0xFFU);
+  if (key == kConfigureKey) {
+    PlayerSetFullScreen(record->appCookie, record->appProc, false);
+    return status::kOk;
+  }
+  return renderer != nullptr ? renderer->KeyboardInput(record, key) : status::kNotHandled;
+}
+
+Status DoNothing(VisualPluginData*, VisualMessage*) {
+  return status::kOk;
+}
+
+using HandleProc = Status (*)(VisualPluginData*, VisualMessage*);
+
+// What a message cannot be handled without. A host that leaves it out is told so.
+enum Needs : unsigned { kNothing = 0, kRecord = 1, kMessage = 2, kBoth = kRecord | kMessage };
+
+struct MessageRow {
+  FourCharCode code;
+  unsigned needs;
+  HandleProc handle;
+};
+
+constexpr MessageRow kMessages[] = {
+    {message::kInit, kMessage, Initialise},
+    {message::kCleanup, kNothing, CleanUp},
+    {message::kConfigure, kNothing, DoNothing},
+    {message::kShow, kMessage, Show},
+    {message::kHide, kNothing, Hide},
+    {message::kSetWindow, kMessage, SetWindow},
+    {message::kRenderData, kBoth, TakeRenderData},
+    {message::kPlay, kBoth, Play},
+    {message::kChangeTrack, kBoth, ChangeTrack},
+    {message::kPause, kRecord, PauseOrStop},
+    {message::kStop, kRecord, PauseOrStop},
+    {message::kUnpause, kRecord, Unpause},
+    {message::kEvent, kBoth, TakeEvent},
+    {message::kIdle, kNothing, DoNothing},
+    {message::kSetPosition, kNothing, DoNothing},
+    {message::kEnable, kNothing, DoNothing},
+    {message::kDisable, kNothing, DoNothing},
+    {message::kUpdate, kNothing, DoNothing},
+};
+
+} // namespace
+
+Status VisualPluginHandler(FourCharCode code, VisualMessage* message, void* refCon) {
+  const MessageScope scope;
+  visualPluginData = static_cast<VisualPluginData*>(refCon);
+  VisualPluginData* record = LiveRecord(refCon);
+  for (const MessageRow& row : kMessages) {
+    if (row.code != code) continue;
+    const bool lacksRecord = (row.needs & kRecord) != 0 && record == nullptr;
+    const bool lacksMessage = (row.needs & kMessage) != 0 && message == nullptr;
+    return lacksRecord || lacksMessage ? status::kNotHandled : row.handle(record, message);
+  }
+  return status::kNotHandled;
+}
+
+} // namespace halvenor

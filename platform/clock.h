@@ -37,24 +37,27 @@ public:
   KeepAwake& operator=(const KeepAwake&) = delete;
 };
 
-/// Makes the clock a stepped one that stands at `start` (above zero), or the machine's again.
+/// Makes the clock a stepped one that stands at `start` (above zero), or the machine's again. Both
+/// end a hold. Sleepers of the real-time clock are parked from then on; parked threads are woken.
 HALVENOR_PLATFORM void UseStepped(std::uint64_t start);
 HALVENOR_PLATFORM void UseRealTime();
 
 enum class StepResult {
   Frame,   ///< every thread is parked; after a `Step`: has come back from one turn
-  NoFrame, ///< no thread exists that could park, or the clock is not stepped
+  NoFrame, ///< no thread exists that could park, a `KeepAwake` lives, or the clock is not stepped
 };
 
-/// Waits until every announced thread is parked.
+/// Waits until every announced thread is parked. Neither this nor `Step` outwaits a thread's end.
 HALVENOR_PLATFORM StepResult WaitUntilParked();
 
-/// Sets a stepped clock to `time` (not before the present one), wakes the parked threads and waits
-/// until they are parked again.
+/// Lets threads that are not parked yet come to it at the present time; then sets a stepped clock
+/// to `time` (not before the present one), wakes the parked threads and waits until they are parked
+/// again.
 HALVENOR_PLATFORM StepResult Step(std::uint64_t time);
 
-/// Holds a real-time clock, or lets it go; time stands still in between. Holding does not wait for
-/// a frame that is being drawn. Repeated calls change nothing.
+/// Holds a real-time clock, or lets it go; time stands still in between and goes on from there, and
+/// sleepers sleep what they had left. Holding does not wait for a frame that is being drawn.
+/// Repeated calls change nothing, nor does holding a stepped clock.
 HALVENOR_PLATFORM void Hold();
 HALVENOR_PLATFORM void Release();
 

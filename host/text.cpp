@@ -43,11 +43,12 @@ public:
     unencodable_.toPattern(lacking, true);
     // Mac OS Roman has a few Greek letters as mathematical signs. They go with the rest of a Greek
     // word, but a lone pi stays a pi.
-    const icu::UnicodeString steps =
-        u" Russian-Latin/BGN; @ Any-Latin; NFC; @ NFKC; @ Latin-ASCII; @ NFD;"
-        u"[[:Mn:][:Me:][:Default_Ignorable_Code_Point:]] Remove; NFC";
-    plain_ = Build(u"@" + steps, lacking);
-    withGreek_ = Build(u"[@[:Greek:]]" + steps, lacking);
+    // A filter on the very first step would hold for all of them: hence the step that does nothing.
+    const icu::UnicodeString cyrillic = u"Null; @ Russian-Latin/BGN;";
+    const icu::UnicodeString rest = u" Any-Latin; NFC; @ NFKC; @ Latin-ASCII; @ NFD;"
+                                    u"[[:Mn:][:Me:][:Default_Ignorable_Code_Point:]] Remove; NFC";
+    plain_ = Build(cyrillic + u"@" + rest, lacking);
+    withGreek_ = Build(cyrillic + u"[@[:Greek:]]" + rest, lacking);
   }
 
   void Apply(icu::UnicodeString& text) {

@@ -1,0 +1,78 @@
+#include "desktop/visualizer.h"
+
+#include "host/plugin_module.h"
+
+namespace halvenor {
+
+Visualizer::Visualizer(std::unique_ptr<PreferenceStore> store) : store_(std::move(store)) {}
+
+std::unique_ptr<Visualizer> Visualizer::Create(const std::filesystem::path& plugin,
+                                               std::unique_ptr<PreferenceStore> store,
+                                               std::string& error) {
+  const std::optional<PluginModule> module = PluginModule::Load(plugin, error);
+  if (!module) return nullptr;
+  std::unique_ptr<Visualizer> visualizer(new Visualizer(std::move(store)));
+  visualizer->plugin_ = PluginHost::Create(*module, *visualizer, error);
+  if (!visualizer->plugin_) return nullptr;
+  if (visualizer->plugin_->Init() == status::kOutOfMemory) {
+    error = "the plug-in " + module->Path().string() + " found no memory to start";
+    return nullptr;
+  }
+  return visualizer;
+}
+
+Visualizer::~Visualizer() {
+  End();
+}
+
+void Visualizer::DrawInto(DrawingArea& area) {
+  area_ = &area;
+  connect(area_, &DrawingArea::Appeared, this, &Visualizer::Show);
+  connect(area_, &DrawingArea::Resized, this, &Visualizer::SetWindow);
+  connect(area_, &DrawingArea::AboutToVanish, this, &Visualizer::Hide);
+  if (area_->Port()) Show();
+}
+
+void Visualizer::TellFullScreen(bool fullScreen) {
+  const std::uint32_t options = fullScreen ? kFullScreenOption : 0;
+  if (options == windowOptions_) return;
+  windowOptions_ = options;
+  SetWindow();
+}
+
+void Visualizer::End() {
+  if (area_) area_->disconnect(this);
+  area_ = nullptr;
+  plugin_->Cleanup();
+}
+
+Status Visualizer::SetFullScreen(bool fullScreen) {
+  emit FullScreenWanted(fullScreen);
+  return status::kOk;
+}
+
+Status Visualizer::SetFullScreenOptions(const FullScreenOptions& options) {
+  wantedFullScreen_ = options;
+  return status::kOk;
+}
+
+void Visualizer::Show() {
+  const GrafPtr port = area_->Port();
+  if (plugin_->Show(port, port->bounds, windowOptions_) == status::kOk) {
+    emit Shown();
+  } else {
+    emit ShowFailed();
+  }
+}
+
+void Visualizer::Hide() {
+  if (plugin_->IsShown()) plugin_->Hide();
+}
+
+void Visualizer::SetWindow() {
+  if (!plugin_->IsShown()) return;
+  const GrafPtr port = area_->Port();
+  plugin_->SetWindow(port, port->bounds, windowOptions_);
+}
+
+} // namespace halvenor

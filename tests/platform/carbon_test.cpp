@@ -1,0 +1,193 @@
+#include "platform/carbon.h"
+#include "platform/debug_log.h"
+#include "platform/guard.h"
+#include "platform/ports.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace halvenor {
+namespace {
+
+TEST(Carbon, IntervalsAreNegatedMicrosecondsWhileTheyFit) {
+  constexpr std::uint64_t kStart = 1'000'000'000;
+  constexpr std::uint64_t kMillisecond = 1'000'000;
+  struct {
+    std::uint64_t nanoseconds;
+    Duration duration;
+  } const cases[] = {
+      {0, 0},
+      {999, 0},
+      {1000, -1},
+      {16'666'667, -16'666},
+      {2'147'483'647'999, -2'147'483'647},
+      {2'147'483'648'000, 2'147'483},
+      {2'147'483'647 * kMillisecond, 2'147'483'647},
+      {2'147'483'648 * kMillisecond, 2'147'483'647},
+      {std::uint64_t{1} << 63, 2'147'483'647},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(AbsoluteDeltaToDuration(kStart + c.nanoseconds, kStart), c.duration) << c.nanoseconds;
+  }
+  EXPECT_EQ(AbsoluteDeltaToDuration(kStart, kStart + 5 * kMillisecond), 0);
+}
+
+TEST(Carbon, BlocksAreZeroAndAbsurdSizesAreRefused) {
+  auto* block = static_cast<unsigned char*>(NewPtrClear(100'000));
+  ASSERT_NE(block, nullptr);
+  EXPECT_TRUE(std::all_of(block, block + 100'000, [](unsigned char byte) { return byte == 0; }));
+  DisposePtr(block);
+  DisposePtr(nullptr);
+  void* empty = NewPtrClear(0);
+  EXPECT_NE(empty, nullptr);
+  DisposePtr(empty);
+  EXPECT_EQ(NewPtrClear(-1), nullptr);
+}
+
+HSLColor ToHsl(RGBColor rgb) {
+  HSLColor hsl;
+  RGB2HSL(&rgb, &hsl);
+  return hsl;
+}
+
+RGBColor ToRgb(HSLColor hsl) {
+  RGBColor rgb;
+  HSL2RGB(&hsl, &rgb);
+  return rgb;
+}
+
+std::vector<int> Values(RGBColor c) {
+  return {c.red, c.green, c.blue};
+}
+std::vector<int> Values(HSLColor c) {
+  return {c.hue, c.saturation, c.lightness};
+}
+
+TEST(Carbon, ColoursOfTheHueCircle) {
+  struct {
+    RGBColor rgb;
+    HSLColor hsl;
+  } const cases[] = {
+      {{0, 0, 0}, {0, 0, 0}},
+      {{40000, 40000, 40000}, {0, 0, 40000}},
+      {{65535, 65535, 65535}, {0, 0, 65535}},
+      {{65535, 0, 0}, {0, 65535, 32768}},
+      {{65535, 65535, 0}, {10923, 65535, 32768}},
+      {{0, 65535, 0}, {21845, 65535, 32768}},
+      {{0, 65535, 65535}, {32768, 65535, 32768}},
+      {{0, 0, 65535}, {43691, 65535, 32768}},
+      {{65535, 0, 65535}, {54613, 65535, 32768}},
+      {{40000, 0, 0}, {0, 65535, 20000}},
+      {{20000, 10000, 10000}, {0, 21845, 15000}},
+      {{65535, 65535, 65534}, {10923, 65535, 65535}},
+      {{65535, 0, 1}, {0, 65535, 32768}}, // a hue that rounds to a full turn
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Values(ToHsl(c.rgb)), Values(c.hsl)) << testing::PrintToString(Values(c.rgb));
+    const RGBColor back = ToRgb(c.hsl);
+    EXPECT_NEAR(back.red, c.rgb.red, 4);
+    EXPECT_NEAR(back.green, c.rgb.green, 4);
+    EXPECT_NEAR(back.blue, c.rgb.blue, 4);
+  }
+}
+
+TEST(Carbon, ARoundTripStaysNearAndRepeatingItDoesNotDrift) {
+  std::uint32_t state = 1;
+  const auto random = [&state](int range) {
+    state = state * 1664525U + 1013904223U;
+    return static_cast<int>((state >> 8) % static_cast<std::uint32_t>(range));
+  };
+  for (int i = 0; i < 50'000; ++i) {
+    // All colours, and those next to grey, black and white, where rounding is hardest.
+    const int spread = 1 << (1 + i % 16);
+    const int base = random(65536 - std::min(spread, 65535));
+    const auto component = [&] {
+      return static_cast<std::uint16_t>(std::min(base + random(spread), 65535));
+    };
+    const RGBColor colour = {component(), component(), component()};
+    const RGBColor once = ToRgb(ToHsl(colour));
+    const RGBColor twice = ToRgb(ToHsl(once));
+    ASSERT_EQ(Values(twice), Values(once)) << testing::PrintToString(Values(colour));
+    ASSERT_NEAR(once.red, colour.red, 4) << testing::PrintToString(Values(colour));
+    ASSERT_NEAR(once.green, colour.green, 4) << testing::PrintToString(Values(colour));
+    ASSERT_NEAR(once.blue, colour.blue, 4) << testing::PrintToString(Values(colour));
+  }
+}
+
+TEST(Ports, ANullPortIsEmpty) {
+  HalvenorPort port{};
+  port.bounds = {1, 2, 300, 400};
+  Rect bounds{};
+  EXPECT_EQ(GetPortBounds(&port, &bounds), &bounds);
+  EXPECT_EQ(bounds.top, 1);
+  EXPECT_EQ(bounds.right, 400);
+  GetPortBounds(nullptr, &bounds);
+  EXPECT_EQ(bounds.bottom, 0);
+  EXPECT_EQ(bounds.right, 0);
+}
+
+TEST(DebugLog, OneLinePerMessageWithTheProgramsName) {
+  testing::internal::CaptureStderr();
+  DebugStr(reinterpret_cast<ConstStr255Param>("\x06 A\nB\x1b\xe9 beyond the length"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            std::string(program_invocation_short_name) + ":  A?B??\n");
+}
+
+TEST(DebugLog, AReceiverTakesOverAndIsDoneWhenItIsReplaced) {
+  struct Received {
+    std::promise<void> entered;
+    bool left = false;
+    std::string message;
+  } received;
+  debug_log::SetReceiver(
+      [](void* refCon, std::string_view message) {
+        auto& here = *static_cast<Received*>(refCon);
+        here.message = message;
+        here.entered.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the receiver is replaced now
+        here.left = true;
+      },
+      &received);
+  std::thread writer([] { DebugStr(reinterpret_cast<ConstStr255Param>("\x02\xe9\n")); });
+  received.entered.get_future().wait();
+  debug_log::SetReceiver(nullptr, nullptr);
+  EXPECT_TRUE(received.left);
+  EXPECT_EQ(received.message, "\xe9\n") << "bytes as they were written";
+  writer.join();
+}
+
+TEST(RecordGuardTest, LeavesOnlyWhatItEntered) {
+  static bool takes_lock = false;
+  static std::string acts;
+  static auto* const record = reinterpret_cast<VisualPluginData*>(&acts);
+  const GuardBacking backing = {[] {
+                                  acts += "enter ";
+                                  return takes_lock;
+                                },
+                                [] { acts += "leave "; },
+                                [] {
+                                  acts += "record ";
+                                  return record;
+                                }};
+  EXPECT_EQ(RecordGuard().Record(), nullptr) << "no plug-in";
+  SetGuardBacking(&backing);
+  EXPECT_EQ(RecordGuard().Record(), record);
+  EXPECT_EQ(acts, "enter record ");
+  takes_lock = true;
+  acts.clear();
+  EXPECT_EQ(RecordGuard().Record(), record);
+  EXPECT_EQ(acts, "enter record leave ");
+  SetGuardBacking(nullptr);
+  EXPECT_EQ(RecordGuard().Record(), nullptr) << "the plug-in was unloaded";
+}
+
+} // namespace
+} // namespace halvenor

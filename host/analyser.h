@@ -5,10 +5,12 @@
 // the highest one found within half a bin of its frequency in any window, peaks that fall between
 // two points interpolated. A level L, in decibels below a full-scale sine, becomes
 //
-//   255 x ((L + 90) / 90)^2,   0 below -90 dB
+//   255 x ((L + 80) / 80)^2,   0 below -80 dB
 //
-// so a full-scale sine reaches 255 at every frequency, -10 dB is 201, -30 dB 113, -60 dB 28, and
-// digital silence (16-bit noise as well) is exactly 0.
+// so a full-scale sine reaches 255 at every frequency, -10 dB is 195, -30 dB 100, -60 dB 16, and
+// silence is exactly 0, the noise of 16-bit sound as well. Mastered music has means of about 20 to
+// 50 over bins 0 to 255: a linear range would leave it flat on the floor, a plain decibel range
+// flat under the ceiling; the square lets its peaks stand out.
 #pragma once
 
 #include "protocol/render_visual_data.h"
@@ -60,7 +62,7 @@ private:
   struct Transform;
 
   void Take(float left, float right);
-  void AnalyseRecord();
+  void AnalyseRecord(std::size_t frames);
 
   Receiver receiver_;
   std::unique_ptr<Transform> transform_;

@@ -23,8 +23,8 @@ struct AudioReaderOptions {
 ///
 /// Failures are one line of UTF-8 that names the medium, without a line end: it is missing, a
 /// folder, empty, unreadable, not a medium, without sound, needs a decoder that is not installed,
-/// shorter than `startSeconds`, damaged, or ends before the length in its own header (FLAC, WAV,
-/// AIFF, MP4 and Matroska have an exact one; elsewhere a shortened file plays to its end).
+/// shorter than `startSeconds`, damaged, or ends before the length in its own header (FLAC and
+/// M4A have one to rely on; of other kinds a shortened file is read to where it ends).
 class AudioReader {
 public:
   /// Opens `medium`, a path or a URI, and waits until its tags and first sound are there. On

@@ -1,0 +1,66 @@
+// An OpenGL context and the port it draws to.
+#pragma once
+
+#include "platform/agl.h"
+#include "platform/egl_display.h"
+#include "platform/presenter.h"
+#include "platform/render_target.h"
+
+#include <memory>
+
+struct HalvenorPixelFormat {
+  bool depth = false; ///< a depth buffer is wanted
+};
+
+/// What the plug-in takes for a drawable's back buffer is a frame buffer object of the buffer
+/// rectangle's size; a presenter of the port's kind shows it. While no port is attached, or its
+/// buffer cannot be made, drawing goes to a target of one pixel that is never shown.
+///
+/// Members return the error that the C functions leave pending. Threads: see agl.h.
+struct HalvenorContext {
+public:
+  explicit HalvenorContext(const HalvenorPixelFormat& format) : depth_(format.depth) {}
+  ~HalvenorContext();
+  HalvenorContext(const HalvenorContext&) = delete;
+  HalvenorContext& operator=(const HalvenorContext&) = delete;
+
+  /// The context that is current on this thread, or null.
+  static HalvenorContext* Current();
+  /// Lets go of the thread's context, and puts back what was current before.
+  static void LetGo();
+
+  GLenum Attach(GrafPtr port);
+  GLenum SetBufferRect(const GLint* values);
+  void UseBufferRect() { usesRect_ = true; }
+  GLenum MakeCurrent();
+  GLenum Update();
+  GLenum Swap();
+  /// Releases everything on the GL's side; what remains is as new. Fails without effect when it is
+  /// current on another thread.
+  GLenum Unrealise();
+
+private:
+  GLenum Realise();
+  bool Bind(EGLSurface surface);
+  GLenum UsePort();
+  GLenum UseBuffer();
+  void ReadBounds();
+  [[nodiscard]] halvenor::agl::Size BufferSize() const;
+
+  bool depth_;
+  GrafPtr port_ = nullptr;     ///< what drawing is directed to
+  GrafPtr lastPort_ = nullptr; ///< the port attached last; `bounds_`, `presenter_` belong to it
+  halvenor::agl::Size bounds_; ///< copied when the host's thread calls: a frame may not look
+  GLint rectX_ = 0;
+  GLint rectY_ = 0;
+  halvenor::agl::Size rect_;
+  bool usesRect_ = false;
+
+  std::shared_ptr<halvenor::agl::EglDisplay> display_;
+  EGLContext handle_ = EGL_NO_CONTEXT;
+  std::unique_ptr<halvenor::agl::Presenter> presenter_;
+  bool triedPort_ = false; ///< a presenter for `lastPort_` was made, or could not be
+  halvenor::agl::RenderTarget nowhere_;
+  halvenor::agl::RenderTarget buffer_;
+  halvenor::agl::Size triedSize_; ///< the size for which `buffer_` was made, or could not be
+};

@@ -1,0 +1,20 @@
+// The pending error of each thread, and lines in the debug log.
+#pragma once
+
+#include "platform/agl.h"
+
+#include <string_view>
+
+namespace halvenor::agl {
+
+/// Leaves `error` pending for this thread unless another is pending already; `AGL_NO_ERROR` leaves
+/// none. True when there was nothing to report.
+GLboolean Report(GLenum error);
+
+/// Writes one line of this layer's own to the debug log, cut to what a message holds.
+void Log(std::string_view text);
+
+/// Writes "`what` failed (EGL error 0x...)" to the debug log, reading this thread's EGL error.
+void LogEgl(std::string_view what);
+
+} // namespace halvenor::agl

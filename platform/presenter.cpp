@@ -1,0 +1,51 @@
+#include "platform/presenter.h"
+
+#include "platform/window_systems.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace halvenor::agl {
+namespace {
+
+/// The overlap of a stretch of `length` at `at` with 0...`limit`.
+struct Overlap {
+  GLint begin;
+  GLsizei length;
+};
+
+Overlap OverlapWith(GLsizei limit, GLint at, GLsizei length) {
+  const std::int64_t begin = std::max<std::int64_t>(at, 0);
+  const std::int64_t end = std::min<std::int64_t>(limit, std::int64_t{at} + length);
+  if (end <= begin) return {0, 0};
+  return {static_cast<GLint>(begin), static_cast<GLsizei>(end - begin)};
+}
+
+} // namespace
+
+VisiblePart ClipToPort(const Picture& picture) {
+  if (picture.target == nullptr) return {};
+  const Size size = picture.target->GetSize();
+  const Overlap across = OverlapWith(picture.port.width, picture.x, size.width);
+  const Overlap up = OverlapWith(picture.port.height, picture.y, size.height);
+  if (across.length == 0 || up.length == 0) return {};
+  return {across.begin - picture.x,
+          up.begin - picture.y,
+          across.begin,
+          up.begin,
+          {across.length, up.length}};
+}
+
+std::unique_ptr<Presenter> MakePresenter(EglDisplay& display, const HalvenorPort& port) {
+  switch (port.kind) {
+  case kHalvenorPortX11Window:
+    return MakeX11Presenter(display, port);
+  case kHalvenorPortWaylandSurface:
+    return MakeWaylandPresenter(display, port);
+  case kHalvenorPortOffscreen:
+    return MakeOffscreenPresenter(port);
+  }
+  return nullptr;
+}
+
+} // namespace halvenor::agl

@@ -1,0 +1,57 @@
+// What becomes of a finished picture.
+#pragma once
+
+#include "platform/ports.h"
+#include "platform/render_target.h"
+
+#include <EGL/egl.h>
+
+#include <memory>
+
+namespace halvenor::agl {
+
+class EglDisplay;
+
+/// A finished picture and its place in a port of the size `port`: its bottom-left corner is `x`,
+/// `y` pixels from the port's. It may reach over the port's edges. Without a target there is no
+/// picture, and the port is black.
+struct Picture {
+  const RenderTarget* target = nullptr;
+  GLint x = 0;
+  GLint y = 0;
+  Size port;
+};
+
+/// The part of a picture that lies inside its port, in the picture and in the port.
+struct VisiblePart {
+  GLint pictureX = 0;
+  GLint pictureY = 0;
+  GLint portX = 0;
+  GLint portY = 0;
+  Size size; ///< empty when nothing is visible
+
+  bool operator==(const VisiblePart&) const = default;
+};
+
+[[nodiscard]] VisiblePart ClipToPort(const Picture& picture);
+
+/// Shows finished pictures in one port. Used by one thread at a time, with the context current.
+class Presenter {
+public:
+  Presenter() = default;
+  virtual ~Presenter() = default;
+  Presenter(const Presenter&) = delete;
+  Presenter& operator=(const Presenter&) = delete;
+
+  /// The surface that the context has to be current with; none where pictures are read back.
+  [[nodiscard]] virtual EGLSurface Surface() const { return EGL_NO_SURFACE; }
+
+  /// Shows the picture; what of the port is outside it is black. Never waits for the display's
+  /// refresh. May change which frame buffer is bound, and no other GL state.
+  virtual void Present(const Picture& picture) = 0;
+};
+
+/// A presenter for `port`, which `display` serves; see window_systems.h.
+std::unique_ptr<Presenter> MakePresenter(EglDisplay& display, const HalvenorPort& port);
+
+} // namespace halvenor::agl

@@ -1,0 +1,161 @@
+// What the suites over real EGL share: a context with the plug-in's format on a port, and a
+// fixture that fails on whatever error a case leaves pending.
+#pragma once
+
+#include "platform/agl.h"
+#include "platform/debug_log.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace halvenor {
+
+using Pixel = std::array<int, 3>;
+inline constexpr Pixel kBlack = {0, 0, 0};
+inline constexpr Pixel kRed = {255, 0, 0};
+inline constexpr Pixel kGreen = {0, 255, 0};
+inline constexpr Pixel kBlue = {0, 0, 255};
+inline constexpr Pixel kWhite = {255, 255, 255};
+
+/// Fails a case that leaves a GL or AGL error pending; collects the debug log.
+class GlTest : public testing::Test {
+protected:
+  void SetUp() override {
+    debug_log::SetReceiver(
+        [](void* self, std::string_view line) {
+          static_cast<GlTest*>(self)->log.emplace_back(line);
+        },
+        this);
+  }
+  void TearDown() override {
+    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_NO_ERROR));
+    debug_log::SetReceiver(nullptr, nullptr);
+  }
+
+  std::vector<std::string> log;
+};
+
+/// A context with the format that the plug-in asks for, destroyed at the end of its scope.
+class TestContext {
+public:
+  explicit TestContext(GrafPtr port = nullptr) {
+    const GLint attributes[] = {
+        AGL_RGBA, AGL_DOUBLEBUFFER,   AGL_RED_SIZE,    8,       AGL_ALPHA_SIZE, 8, AGL_DEPTH_SIZE,
+        24,       AGL_CLOSEST_POLICY, AGL_NO_RECOVERY, AGL_NONE};
+    const AGLPixelFormat format = aglChoosePixelFormat(nullptr, 0, attributes);
+    context = aglCreateContext(format, nullptr);
+    aglDestroyPixelFormat(format);
+    if (port != nullptr) {
+      EXPECT_TRUE(aglSetDrawable(context, port));
+    }
+  }
+  ~TestContext() { Destroy(); }
+  TestContext(const TestContext&) = delete;
+  TestContext& operator=(const TestContext&) = delete;
+
+  void Destroy() {
+    if (context == nullptr) return;
+    if (aglSetCurrentContext(context)) {
+      EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    }
+    EXPECT_TRUE(aglDestroyContext(std::exchange(context, nullptr)));
+  }
+
+  void SetRect(GLint x, GLint y, GLint width, GLint height) const {
+    const GLint values[] = {x, y, width, height};
+    EXPECT_TRUE(aglSetInteger(context, AGL_BUFFER_RECT, values));
+    EXPECT_TRUE(aglEnable(context, AGL_BUFFER_RECT));
+  }
+
+  AGLContext context = nullptr;
+};
+
+inline void FillPixels(GLint x, GLint y, GLsizei width, GLsizei height, const Pixel& color) {
+  glEnable(GL_SCISSOR_TEST);
+  glScissor(x, y, width, height);
+  glClearColor(static_cast<float>(color[0]) / 255.0F, static_cast<float>(color[1]) / 255.0F,
+               static_cast<float>(color[2]) / 255.0F, 1.0F);
+  glClear(GL_COLOR_BUFFER_BIT);
+  glDisable(GL_SCISSOR_TEST);
+}
+
+/// Each quarter in a colour of its own: red and green above, blue and white below.
+inline void DrawQuarters(GLsizei width, GLsizei height) {
+  const GLsizei x = width / 2;
+  const GLsizei y = height / 2;
+  FillPixels(0, y, x, height - y, kRed);
+  FillPixels(x, y, width - x, height - y, kGreen);
+  FillPixels(0, 0, x, y, kBlue);
+  FillPixels(x, 0, width - x, y, kWhite);
+}
+
+inline Rect MakeRect(int width, int height) {
+  return {0, 0, static_cast<std::int16_t>(height), static_cast<std::int16_t>(width)};
+}
+
+/// A picture, top row first.
+struct Image {
+  int width = 0;
+  int height = 0;
+  std::vector<Pixel> pixels;
+
+  [[nodiscard]] Pixel At(int x, int y) const {
+    return pixels.at(static_cast<std::size_t>(y * width + x));
+  }
+};
+
+/// Checks the quarters of `DrawQuarters` in the rectangle of `image` whose top-left corner is
+/// `left`, `top`, and black in the image's corners where the rectangle does not reach them.
+inline void ExpectQuarters(const Image& image, int left, int top, int width, int height) {
+  const auto expect = [&](int x, int y, const Pixel& color) {
+    EXPECT_EQ(image.At(x, y), color)
+        << "at " << x << ", " << y << " of " << image.width << "x" << image.height;
+  };
+  const int right = left + width - 1;
+  const int bottom = top + height - 1;
+  expect(left, top, kRed);
+  expect(right, top, kGreen);
+  expect(left, bottom, kBlue);
+  expect(right, bottom, kWhite);
+  if (left > 0) expect(left - 1, top, kBlack);
+  if (top > 0) expect(left, top - 1, kBlack);
+  if (right + 1 < image.width) expect(right + 1, bottom, kBlack);
+  if (bottom + 1 < image.height) expect(right, bottom + 1, kBlack);
+}
+
+/// An offscreen port that keeps the last frame.
+class OffscreenPort {
+public:
+  OffscreenPort(int width, int height) {
+    port.kind = kHalvenorPortOffscreen;
+    port.bounds = MakeRect(width, height);
+    port.frameRefCon = this;
+    port.frameFinished = [](void* self, const HalvenorFrame* frame) {
+      static_cast<OffscreenPort*>(self)->Receive(*frame);
+    };
+  }
+
+  HalvenorPort port{};
+  Image image;
+  int frames = 0;
+
+private:
+  void Receive(const HalvenorFrame& frame) {
+    ++frames;
+    image = {frame.width, frame.height, {}};
+    for (int y = 0; y < frame.height; ++y) {
+      const std::uint8_t* row = frame.topRow + y * frame.stride;
+      for (int x = 0; x < frame.width; ++x)
+        image.pixels.push_back({row[x * 4], row[x * 4 + 1], row[x * 4 + 2]});
+    }
+  }
+};
+
+} // namespace halvenor

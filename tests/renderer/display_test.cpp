@@ -1,0 +1,93 @@
+#include "renderer/display.h"
+#include "tests/stand_ins/log_lines.h"
+#include "tests/stand_ins/offscreen_port.h"
+#include "tests/stand_ins/stand_in_test.h"
+
+namespace halvenor {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class DisplayTest : public stand_ins::StandInTest {
+protected:
+  stand_ins::LogLines log_;
+  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
+  Rect rect_ = {20, 10, 220, 410}; // top, left, bottom, right
+  Display display_;
+};
+
+TEST_F(DisplayTest, OpensResizesDrawsAndCloses) {
+  display_.Open(&port_);
+  EXPECT_EQ(display_.Resize(&port_, &rect_), 1);
+  EXPECT_EQ(display_.Width(), 400);
+  EXPECT_EQ(display_.Height(), 200);
+  EXPECT_EQ(display_.ScreenRatio(), 2.0F);
+  display_.StartRendering();
+  display_.EndRendering();
+  display_.Close();
+  EXPECT_THAT(
+      stand_ins::CallTexts(),
+      ElementsAre(
+          "aglGetError()", "aglChoosePixelFormat(4, 5, 8, 8, 11, 8, 12, 24, 74, 72)",
+          "aglCreateContext(format 1, null)", "aglSetInteger(context 1, AGL_BUFFER_NAME, 1)",
+          "aglCreateContext(format 1, null)", "aglSetInteger(context 2, AGL_BUFFER_NAME, 1)",
+          "aglSetDrawable(context 1, port 1)", "aglSetDrawable(context 2, port 1)",
+          "aglSetCurrentContext(context 2)", "aglUpdateContext(context 2)",
+          "aglSetCurrentContext(context 2)",
+          "aglSetInteger(context 2, AGL_BUFFER_RECT, 10, 260, 400, 200)",
+          "aglEnable(context 2, AGL_BUFFER_RECT)", "glViewport(0, 0, 400, 200)",
+          "aglUpdateContext(context 2)", "aglGetError()", "aglSetDrawable(context 2, null)",
+          "aglSetDrawable(context 2, port 1)", "aglSetCurrentContext(context 2)",
+          "aglSwapBuffers(context 2)", "aglSetCurrentContext(null)", "aglDestroyContext(context 2)",
+          "aglDestroyContext(context 1)", "aglDestroyPixelFormat(format 1)"));
+  EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LivePixelFormats(), 0);
+}
+
+TEST_F(DisplayTest, EveryOpeningHasAFreshBufferName) {
+  for (const std::int32_t name : {1, 2, 3}) {
+    display_.Open(&port_);
+    EXPECT_EQ(display_.BufferName(), name);
+    display_.Close();
+  }
+}
+
+TEST_F(DisplayTest, ResizeFailsWithoutAnOpening) {
+  EXPECT_EQ(display_.Resize(&port_, &rect_), 0);
+  EXPECT_THAT(stand_ins::CallTexts(), IsEmpty());
+  EXPECT_EQ(display_.Width(), 0);
+}
+
+TEST_F(DisplayTest, FailuresAreReportedOnceAndForgotten) {
+  const struct {
+    const char* function;
+    unsigned error;
+    bool reported; // without a context there is nothing that could report
+  } cases[] = {{"aglChoosePixelFormat", AGL_BAD_ATTRIBUTE, false},
+               {"aglCreateContext", AGL_NO_OPENGL, false},
+               {"aglSetCurrentContext", AGL_NO_DISPLAY, true},
+               {"aglUpdateContext", AGL_NO_BUFFER, true},
+               {"aglSetInteger", AGL_BAD_VALUE, true}};
+  for (const auto& [function, error, reported] : cases) {
+    stand_ins::Reset();
+    stand_ins::Fail(function, error);
+    display_.Open(&port_);
+    EXPECT_EQ(display_.Resize(&port_, &rect_), 0) << function;
+    display_.Close();
+    if (reported)
+      EXPECT_THAT(log_.Take(), ElementsAre(StartsWith("Failed to resize openGL window : ")));
+    else
+      EXPECT_THAT(log_.Take(), IsEmpty());
+    EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LivePixelFormats(), 0) << function;
+
+    stand_ins::Fail(function, error, 1, 0);
+    display_.Open(&port_);
+    EXPECT_EQ(display_.Resize(&port_, &rect_), 1) << "after " << function;
+    display_.Close();
+  }
+  stand_ins::Reset();
+}
+
+} // namespace
+} // namespace halvenor

@@ -1,0 +1,197 @@
+// What every context layer behind platform/agl.h has to do: the real one and the stand-in run the
+// same cases, so that they cannot drift apart. Including this file adds the cases to a suite, once.
+//
+// Needs nothing but a context that can be made for an offscreen port.
+#pragma once
+
+#include "platform/agl.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace halvenor::agl_behaviour {
+
+inline constexpr GLint kAttributes[] = {
+    AGL_RGBA, AGL_DOUBLEBUFFER,   AGL_RED_SIZE,    8,       AGL_ALPHA_SIZE, 8, AGL_DEPTH_SIZE,
+    24,       AGL_CLOSEST_POLICY, AGL_NO_RECOVERY, AGL_NONE};
+
+/// A context on an offscreen port that notes the frames it gets.
+class AglBehaviour : public testing::Test {
+protected:
+  struct Size {
+    int width;
+    int height;
+    bool operator==(const Size&) const = default;
+  };
+
+  void SetUp() override {
+    (void)aglGetError();
+    port_.kind = kHalvenorPortOffscreen;
+    port_.bounds = {0, 0, 30, 40};
+    port_.frameRefCon = &frames_;
+    port_.frameFinished = [](void* frames, const HalvenorFrame* frame) {
+      // Touches what the frame promises to be.
+      const std::uint8_t* last = frame->topRow + (frame->height - 1) * frame->stride;
+      sum_ += frame->topRow[0] + last[frame->width * 4 - 1];
+      static_cast<std::vector<Size>*>(frames)->push_back({frame->width, frame->height});
+    };
+    format_ = aglChoosePixelFormat(nullptr, 0, kAttributes);
+    ASSERT_NE(format_, nullptr);
+    context_ = aglCreateContext(format_, nullptr);
+    ASSERT_NE(context_, nullptr);
+    const GLint name = 1;
+    EXPECT_TRUE(aglSetInteger(context_, AGL_BUFFER_NAME, &name));
+    EXPECT_TRUE(aglSetDrawable(context_, &port_));
+    ASSERT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
+  }
+
+  void TearDown() override {
+    EXPECT_TRUE(aglSetCurrentContext(nullptr));
+    if (context_ != nullptr) {
+      EXPECT_TRUE(aglDestroyContext(context_));
+    }
+    aglDestroyPixelFormat(format_);
+    EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR}) << "left over by a successful call";
+  }
+
+  static std::string Text(GLenum code) {
+    return reinterpret_cast<const char*>(aglErrorString(code));
+  }
+
+  AGLPixelFormat format_ = nullptr;
+  AGLContext context_ = nullptr;
+  HalvenorPort port_{};
+  std::vector<Size> frames_;
+  static inline int sum_ = 0;
+};
+
+TEST_F(AglBehaviour, MisfitsAreRefusedWithTheirError) {
+  const GLint unknown[] = {AGL_RGBA, 4711, AGL_NONE};
+  const GLint values[4] = {0, 0, 10, 10};
+  struct {
+    const char* what;
+    bool refused;
+    GLenum error;
+  } cases[] = {
+      // Braces: from left to right, and each call before its error is read.
+      {"attribute", aglChoosePixelFormat(nullptr, 0, unknown) == nullptr, aglGetError()},
+      {"format", aglCreateContext(nullptr, nullptr) == nullptr, aglGetError()},
+      {"shared context", aglCreateContext(format_, context_) == nullptr, aglGetError()},
+      {"destroy null", !aglDestroyContext(nullptr), aglGetError()},
+      {"set null", !aglSetInteger(nullptr, AGL_BUFFER_RECT, values), aglGetError()},
+      {"enable null", !aglEnable(nullptr, AGL_BUFFER_RECT), aglGetError()},
+      {"draw null", !aglSetDrawable(nullptr, &port_), aglGetError()},
+      {"update null", !aglUpdateContext(nullptr), aglGetError()},
+      {"set unknown", !aglSetInteger(context_, 4711, values), aglGetError()},
+      {"enable unknown", !aglEnable(context_, 4711), aglGetError()},
+      {"swap elsewhere", (aglSwapBuffers(context_), true), aglGetError()},
+      {"font elsewhere", !aglUseFont(context_, 1, 0, 9, 0, 256, 1), aglGetError()},
+  };
+  const GLenum errors[] = {AGL_BAD_ATTRIBUTE, AGL_BAD_PIXELFORMAT, AGL_BAD_CONTEXT,
+                           AGL_BAD_CONTEXT,   AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT,
+                           AGL_BAD_CONTEXT,   AGL_BAD_CONTEXT,     AGL_BAD_ENUM,
+                           AGL_BAD_ENUM,      AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT};
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_TRUE(cases[i].refused) << cases[i].what;
+    EXPECT_EQ(cases[i].error, errors[i]) << cases[i].what << ": " << Text(cases[i].error);
+  }
+  EXPECT_TRUE(frames_.empty());
+}
+
+TEST_F(AglBehaviour, TheFirstErrorStaysUntilItsOwnThreadReadsIt) {
+  aglSetDrawable(nullptr, &port_);
+  aglSetInteger(context_, 4711, nullptr);
+  std::thread([] { EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR}); }).join();
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_CONTEXT});
+  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
+}
+
+TEST_F(AglBehaviour, EveryCodeHasATextOfItsOwn) {
+  std::vector<std::string> texts = {Text(AGL_NO_ERROR), Text(4711)};
+  for (GLenum code = AGL_BAD_ATTRIBUTE; code <= AGL_NO_BUFFER; ++code)
+    texts.push_back(Text(code));
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_FALSE(texts[i].empty());
+    for (std::size_t k = 0; k < i; ++k)
+      EXPECT_NE(texts[i], texts[k]);
+  }
+}
+
+TEST_F(AglBehaviour, ASwapHandsOverOneFrameOfThePortsSize) {
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_TRUE(aglSetDrawable(context_, nullptr));
+    EXPECT_TRUE(aglSetDrawable(context_, &port_));
+    EXPECT_TRUE(aglSetCurrentContext(context_));
+    aglSwapBuffers(context_);
+  }
+  port_.bounds = {0, 0, 7, 50};
+  EXPECT_TRUE(aglUpdateContext(context_));
+  aglSwapBuffers(context_);
+  // A rectangle within the port does not change what the port gets.
+  const GLint rect[] = {1, 2, 20, 3};
+  EXPECT_TRUE(aglSetInteger(context_, AGL_BUFFER_RECT, rect));
+  EXPECT_TRUE(aglEnable(context_, AGL_BUFFER_RECT));
+  EXPECT_TRUE(aglUpdateContext(context_));
+  aglSwapBuffers(context_);
+  EXPECT_EQ(frames_, (std::vector<Size>{{40, 30}, {40, 30}, {50, 7}, {50, 7}}));
+
+  port_.frameFinished = nullptr;
+  aglSwapBuffers(context_);
+  EXPECT_EQ(frames_.size(), 4U);
+  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
+}
+
+TEST_F(AglBehaviour, AContextMovesBetweenThreadsThatLetGoOfIt) {
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(aglSetCurrentContext(context_));
+    aglSwapBuffers(context_);
+    ASSERT_TRUE(aglSetCurrentContext(nullptr));
+    std::thread([this] {
+      EXPECT_TRUE(aglSetCurrentContext(context_));
+      aglSwapBuffers(context_);
+      EXPECT_TRUE(aglSetCurrentContext(nullptr));
+      EXPECT_TRUE(aglSetCurrentContext(nullptr)) << "with nothing current";
+      EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
+    }).join();
+  }
+  EXPECT_EQ(frames_.size(), 6U);
+}
+
+TEST_F(AglBehaviour, DestroyingTheCurrentContextLetsGoOfIt) {
+  AGLContext second = aglCreateContext(format_, nullptr);
+  ASSERT_NE(second, nullptr);
+  EXPECT_TRUE(aglSetDrawable(second, &port_));
+  ASSERT_TRUE(aglSetCurrentContext(second));
+  EXPECT_TRUE(aglDestroyContext(second));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+  aglSwapBuffers(context_);
+  EXPECT_EQ(frames_.size(), 1U);
+}
+
+TEST_F(AglBehaviour, AFontFillsListsWithinItsLimits) {
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+  std::int16_t family = 0;
+  GetFNum(reinterpret_cast<const unsigned char*>("\x09Helvetica"), &family);
+  ASSERT_NE(family, 0) << "no font is installed";
+  const GLuint lists = glGenLists(256);
+  ASSERT_NE(lists, 0U);
+  const auto base = static_cast<GLint>(lists);
+  for (const GLint size : {1, 9, 512}) {
+    EXPECT_TRUE(aglUseFont(context_, family, 0, size, 'A', 2, base)) << size;
+  }
+  for (const GLint size : {-5, 0, 513, 1'000'000'000}) {
+    EXPECT_FALSE(aglUseFont(context_, family, 0, size, 0, 256, base)) << size;
+    EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_VALUE}) << size;
+  }
+  EXPECT_FALSE(aglUseFont(context_, 0, 0, 9, 0, 256, base));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_FONT});
+  glDeleteLists(lists, 256);
+  EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+}
+
+} // namespace halvenor::agl_behaviour

@@ -1,0 +1,155 @@
+#include "render/deliveries.h"
+
+#include "host/audio_reader.h"
+#include "render/stop_signals.h"
+#include "render/time_line.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+namespace halvenor::render {
+namespace {
+
+constexpr double kSecondsPerRecord = kDeliveryMilliseconds / 1000.0;
+
+std::uint64_t Nanoseconds(double seconds) {
+  return static_cast<std::uint64_t>(std::llround(seconds * 1e9));
+}
+
+// When the run ends at the latest.
+std::uint64_t Limit(const Options& options) {
+  return options.durationSeconds ? Nanoseconds(*options.durationSeconds)
+                                 : std::numeric_limits<std::uint64_t>::max();
+}
+
+std::unique_ptr<AudioReader> OpenSound(const std::string& input, double start,
+                                       std::optional<double> duration, std::string& error) {
+  return AudioReader::Open(input,
+                           {.startSeconds = start,
+                            .durationSeconds = duration,
+                            .cancelled = [] { return StopSignals::Arrived() != 0; }},
+                           error);
+}
+
+// The records of INPUT's own sound.
+class AnalysedDeliveries final : public Deliveries {
+public:
+  AnalysedDeliveries(std::unique_ptr<AudioReader> reader, std::uint64_t limit)
+      : reader_(std::move(reader)), limit_(limit) {}
+
+  [[nodiscard]] const MediaTags* Tags() const override { return &reader_->Tags(); }
+  [[nodiscard]] std::optional<double> Length() const override { return reader_->Length(); }
+  [[nodiscard]] std::string Error() const override { return reader_->Error(); }
+
+  const Delivery* Next() override {
+    const AnalysedSound* const next = reader_->Next();
+    if (!next) return nullptr;
+    const std::uint64_t frames = next->sound.size() / 2;
+    delivery_.record = next->record;
+    delivery_.sound = next->sound;
+    delivery_.end = std::min(next->index * kNanosecondsPerRecord +
+                                 frames * kNanosecondsPerSecond / kAnalysisRate,
+                             limit_);
+    return &delivery_;
+  }
+
+private:
+  const std::unique_ptr<AudioReader> reader_;
+  const std::uint64_t limit_;
+  Delivery delivery_{};
+};
+
+// Records from a file; INPUT, when there is one, gives the sound.
+class StoredDeliveries final : public Deliveries {
+public:
+  static std::unique_ptr<Deliveries> Open(const Options& options, std::string& error);
+
+  [[nodiscard]] const MediaTags* Tags() const override {
+    return sound_ ? &sound_->Tags() : nullptr;
+  }
+  [[nodiscard]] std::optional<double> Length() const override {
+    return static_cast<double>(end_) / kNanosecondsPerSecond;
+  }
+  [[nodiscard]] std::string Error() const override { return error_; }
+  const Delivery* Next() override;
+
+private:
+  std::string name_;
+  std::ifstream file_;
+  std::unique_ptr<AudioReader> sound_;
+  bool soundEnded_ = false;
+  std::uint64_t end_ = 0; ///< nanoseconds
+  std::uint64_t index_ = 0;
+  Delivery delivery_{};
+  std::string error_;
+};
+
+std::unique_ptr<Deliveries> StoredDeliveries::Open(const Options& options, std::string& error) {
+  namespace fs = std::filesystem;
+  const std::string& name = options.recordsFile;
+  const auto fail = [&](const std::string& reason) {
+    error = "cannot use the records " + name + ": " + reason;
+    return nullptr;
+  };
+  std::error_code failed;
+  if (fs::is_directory(name, failed)) return fail("it is a folder");
+  auto self = std::make_unique<StoredDeliveries>();
+  self->name_ = name;
+  self->file_.open(name, std::ios::binary);
+  if (!self->file_) return fail(std::generic_category().message(errno));
+  const std::uint64_t size = fs::file_size(name, failed);
+  if (failed) return fail(failed.message());
+  if (size == 0 || size % sizeof(RenderVisualData) != 0)
+    return fail("its " + std::to_string(size) + " bytes are not whole records of " +
+                std::to_string(sizeof(RenderVisualData)) + " bytes");
+
+  // The records stand for the sound from its beginning, so the start is one of theirs.
+  const std::uint64_t count = size / sizeof(RenderVisualData);
+  const std::uint64_t first = RecordAt(Nanoseconds(options.startSeconds));
+  if (first >= count) return fail("they end before --start");
+  self->file_.seekg(static_cast<std::streamoff>(first * sizeof(RenderVisualData)));
+  self->end_ = std::min((count - first) * kNanosecondsPerRecord, Limit(options));
+  if (options.input.empty()) return self;
+  self->sound_ = OpenSound(options.input, static_cast<double>(first) * kSecondsPerRecord,
+                           self->Length(), error);
+  return self->sound_ ? std::move(self) : nullptr;
+}
+
+const Delivery* StoredDeliveries::Next() {
+  const std::uint64_t begin = index_ * kNanosecondsPerRecord;
+  if (begin >= end_) return nullptr;
+  ++index_;
+  if (!file_.read(reinterpret_cast<char*>(&delivery_.record), sizeof delivery_.record)) {
+    error_ = "cannot read the records " + name_;
+    return nullptr;
+  }
+  delivery_.end = std::min(begin + kNanosecondsPerRecord, end_);
+  delivery_.sound = {};
+  if (sound_ && !soundEnded_) {
+    if (const AnalysedSound* const next = sound_->Next()) {
+      delivery_.sound = next->sound;
+    } else {
+      soundEnded_ = true;
+      error_ = sound_->Error();
+      if (!error_.empty()) return nullptr;
+    }
+  }
+  return &delivery_;
+}
+
+} // namespace
+
+std::unique_ptr<Deliveries> Deliveries::Open(const Options& options, std::string& error) {
+  if (!options.recordsFile.empty()) return StoredDeliveries::Open(options, error);
+  auto reader = OpenSound(options.input, options.startSeconds, options.durationSeconds, error);
+  if (!reader) return nullptr;
+  return std::make_unique<AnalysedDeliveries>(std::move(reader), Limit(options));
+}
+
+} // namespace halvenor::render

@@ -1,0 +1,42 @@
+// The audio records of a run, and the sound that goes with them.
+#pragma once
+
+#include "host/media_source.h"
+#include "protocol/render_visual_data.h"
+#include "render/options.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace halvenor::render {
+
+/// One record, delivered at `kNanosecondsPerRecord` times its place.
+struct Delivery {
+  RenderVisualData record;
+  std::uint64_t end; ///< nanoseconds; frames before this time are drawn before the next delivery
+  std::span<const float> sound; ///< see `AnalysedSound`; empty when there is none (any more)
+};
+
+/// Reads as it goes: memory does not grow with the length. One thread.
+class Deliveries {
+public:
+  virtual ~Deliveries() = default;
+
+  /// From the analysed sound of INPUT, or from a file of records. On failure returns null and
+  /// leaves one line in `error`.
+  static std::unique_ptr<Deliveries> Open(const Options& options, std::string& error);
+
+  /// What INPUT says of itself; null without one.
+  [[nodiscard]] virtual const MediaTags* Tags() const = 0;
+  /// Seconds that will be shown, as far as that is known.
+  [[nodiscard]] virtual std::optional<double> Length() const = 0;
+  /// The next delivery, valid until the next call; null at the end or on failure.
+  virtual const Delivery* Next() = 0;
+  /// One line after a failure, else empty.
+  [[nodiscard]] virtual std::string Error() const = 0;
+};
+
+} // namespace halvenor::render

@@ -1,0 +1,168 @@
+// halvenor-render: sound in, moving pictures out.
+#include "render/deliveries.h"
+#include "render/offscreen_show.h"
+#include "render/options.h"
+#include "render/output.h"
+#include "render/pending_file.h"
+#include "render/progress.h"
+#include "render/stop_signals.h"
+#include "render/time_line.h"
+
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace halvenor::render {
+namespace {
+
+constexpr int kFailure = 1;
+constexpr int kSignalBase = 128;
+
+int Fail(int exitCode, const std::string& error) {
+  std::fprintf(stderr, "halvenor-render: %s\n", error.c_str());
+  return exitCode;
+}
+
+/// Keeps standard output for the frames alone: what any library prints there lands on standard
+/// error from now on. Returns the private way to where standard output went, or -1.
+int TakeStandardOutput() {
+  const int frames = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  dup2(STDERR_FILENO, STDOUT_FILENO);
+  return frames;
+}
+
+bool SameFile(const std::string& one, const std::string& other) {
+  std::error_code none;
+  return std::filesystem::equivalent(one, other, none);
+}
+
+/// One rendering, from its open ends to its last frame.
+class Run {
+public:
+  explicit Run(const Options& options) : options_(options) {}
+
+  /// Opens everything, outputs first: what cannot be written is found out before any work.
+  bool Open(int frames);
+  /// Everything up to the end of the sound or the first stop signal.
+  bool Perform();
+  /// Brings the outputs under their names.
+  bool Finish();
+
+  [[nodiscard]] const std::string& Error() const { return error_; }
+
+private:
+  bool Dump(const RenderVisualData& record);
+  bool DrawUntil(std::uint64_t end);
+
+  const Options& options_;
+  std::string error_;
+  std::unique_ptr<Output> output_; ///< null when only records are wanted
+  std::optional<PendingFile> dump_;
+  std::unique_ptr<Deliveries> deliveries_;
+  std::unique_ptr<OffscreenShow> show_;
+  std::optional<Progress> progress_;
+  std::uint64_t frame_ = 0;
+};
+
+bool Run::Open(int frames) {
+  if (!options_.output.empty() && SameFile(options_.input, options_.output)) {
+    error_ = "the output would replace the input " + options_.input;
+    return false;
+  }
+  if (!options_.output.empty() &&
+      !(output_ = OpenOutput(options_, !options_.input.empty(), frames, error_)))
+    return false;
+  if (!options_.dumpFile.empty() && !(dump_ = PendingFile::Create(options_.dumpFile, error_)))
+    return false;
+  if (!(deliveries_ = Deliveries::Open(options_, error_))) return false;
+  if (output_) {
+    if (!(show_ = OffscreenShow::Open(options_, error_))) return false;
+    if (const MediaTags* const tags = deliveries_->Tags()) show_->Play(tags->title, tags->artist);
+  }
+  progress_.emplace(options_.progress, deliveries_->Length());
+  return true;
+}
+
+bool Run::Dump(const RenderVisualData& record) {
+  return !dump_ || dump_->Write(std::as_bytes(std::span(&record, 1)), error_);
+}
+
+// Draws the frames before `end`, which all show the record just delivered.
+bool Run::DrawUntil(std::uint64_t end) {
+  for (; StopSignals::Arrived() == 0; ++frame_) {
+    const std::uint64_t time = TimeOfFrame(frame_, options_.frameRate);
+    if (time >= end) return true;
+    const std::span<std::uint8_t> picture = output_->NextFrame();
+    if (!picture.empty() && !show_->Draw(time, picture, error_)) return false;
+    if (picture.empty() || !output_->FinishFrame()) {
+      error_ = output_->Error();
+      return false;
+    }
+  }
+  return false;
+}
+
+bool Run::Perform() {
+  while (StopSignals::Arrived() == 0) {
+    const Delivery* const delivery = deliveries_->Next();
+    if (!delivery) break;
+    if (!Dump(delivery->record)) return false;
+    if (output_) {
+      show_->Deliver(delivery->record);
+      const bool heard =
+          delivery->sound.empty() ? output_->EndSound() : output_->Sound(delivery->sound);
+      if (!heard) {
+        error_ = output_->Error();
+        return false;
+      }
+      if (!DrawUntil(delivery->end)) return false;
+    }
+    progress_->Update(static_cast<double>(delivery->end) / kNanosecondsPerSecond);
+  }
+  error_ = deliveries_->Error();
+  return error_.empty() && StopSignals::Arrived() == 0;
+}
+
+bool Run::Finish() {
+  progress_.reset();
+  if (show_) {
+    show_->Stop();
+    const std::string log = show_->TakeLog();
+    show_.reset();
+    if (!log.empty() && options_.progress != ProgressKind::Quiet)
+      Fail(0, "the plug-in reports: " + log);
+  }
+  if (output_ && !output_->Finish()) {
+    error_ = output_->Error();
+    return false;
+  }
+  return !dump_ || dump_->Commit(error_);
+}
+
+int Main(int argc, const char* const* argv) {
+  Options options;
+  if (const auto end = ReadCommandLine(argc, argv, options))
+    return end->error.empty() ? end->exitCode : Fail(end->exitCode, end->error);
+
+  const StopSignals stopSignals;
+  const int frames = TakeStandardOutput();
+  std::string error;
+  {
+    Run run(options);
+    if (run.Open(frames) && run.Perform() && run.Finish()) return 0;
+    error = run.Error();
+  }
+  if (const int signal = StopSignals::Arrived()) return kSignalBase + signal;
+  return Fail(kFailure, error);
+}
+
+} // namespace
+} // namespace halvenor::render
+
+int main(int argc, char** argv) {
+  return halvenor::render::Main(argc, argv);
+}

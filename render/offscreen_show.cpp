@@ -1,0 +1,140 @@
+#include "render/offscreen_show.h"
+
+#include "host/install_paths.h"
+#include "host/plugin_module.h"
+#include "platform/clock.h"
+#include "render/time_line.h"
+
+#include <cstring>
+#include <optional>
+#include <utility>
+
+namespace halvenor::render {
+namespace {
+
+// Time 0 on the plug-in's clock. It lies further from the clock's zero than any frame interval.
+constexpr std::uint64_t kOrigin = 1000 * kNanosecondsPerSecond;
+
+std::span<std::byte> BytesOf(Settings& settings) {
+  return std::as_writable_bytes(std::span(&settings, 1));
+}
+
+} // namespace
+
+OffscreenShow::OffscreenShow(const Options& options)
+    : log_(LogCapture::Echo::Off, "halvenor-render") {
+  if (options.preferencesFolder.empty())
+    preferences_ = std::make_unique<MemoryPreferenceStore>();
+  else
+    preferences_ = std::make_unique<FilePreferenceStore>(options.preferencesFolder);
+  port_.kind = kHalvenorPortOffscreen;
+  port_.bounds = {0, 0, static_cast<std::int16_t>(options.height),
+                  static_cast<std::int16_t>(options.width)};
+  port_.frameFinished = &TakeFrame;
+  port_.frameRefCon = this;
+}
+
+OffscreenShow::~OffscreenShow() {
+  plugin_.reset();
+  clock::UseRealTime();
+}
+
+std::unique_ptr<OffscreenShow> OffscreenShow::Open(const Options& options, std::string& error) {
+  std::unique_ptr<OffscreenShow> show(new OffscreenShow(options));
+  return show->Start(options, error) ? std::move(show) : nullptr;
+}
+
+// What the plug-in wrote to its log, as the end of a sentence.
+std::string OffscreenShow::Because() {
+  const std::string text = log_.TakeText();
+  return text.empty() ? "" : ": " + text;
+}
+
+bool OffscreenShow::Start(const Options& options, std::string& error) {
+  const auto module =
+      PluginModule::Load(options.pluginPath.empty() ? InstalledPluginPath()
+                                                    : std::filesystem::path(options.pluginPath),
+                         error);
+  if (!module) return false;
+  plugin_ = PluginHost::Create(*module, *this, error);
+  if (!plugin_) return false;
+  const PluginRegistration& limits = plugin_->Registration();
+  if (options.width < limits.minWidth || options.width > limits.maxWidth ||
+      options.height < limits.minHeight || options.height > limits.maxHeight) {
+    error = "--size: " + limits.name + " draws from " + std::to_string(limits.minWidth) + "x" +
+            std::to_string(limits.minHeight) + " to " + std::to_string(limits.maxWidth) + "x" +
+            std::to_string(limits.maxHeight) + " pixels";
+    return false;
+  }
+  LoadSettings(options);
+
+  clock::UseStepped(kOrigin - TimeOfFrame(1, options.frameRate));
+  if (const Status result = plugin_->Init(); !plugin_->IsInitialised()) {
+    error = "the plug-in cannot start (status " + std::to_string(result) + ")" + Because();
+    return false;
+  }
+  if (const Status result = plugin_->Show(&port_, port_.bounds, 0); result != status::kOk) {
+    error =
+        "the plug-in cannot open its display (status " + std::to_string(result) + ")" + Because();
+    return false;
+  }
+  // Showing drew a frame and the plug-in's thread draws another before it first sleeps. Neither is
+  // part of the film.
+  if (clock::WaitUntilParked() == clock::StepResult::Frame) return true;
+  error = "the plug-in draws no frames" + Because();
+  return false;
+}
+
+// Gives the plug-in the stored block, or the defaults, with the settings of the command line.
+void OffscreenShow::LoadSettings(const Options& options) {
+  if (options.assignments.empty()) return;
+  Settings settings{};
+  std::size_t size = 0;
+  const std::string& name = plugin_->Registration().name;
+  const Status result = preferences_->Read(name, BytesOf(settings), size);
+  if (result != status::kOk || size == 0 || settings.settingsVersion != kSettingsVersion)
+    settings = DefaultSettings();
+  for (const Assignment& assignment : options.assignments)
+    SetFromText(settings, *assignment.field, assignment.value);
+  // From here on in memory: a look that is tried out is not what the store is to remember.
+  preferences_ = std::make_unique<MemoryPreferenceStore>();
+  preferences_->Write(name, BytesOf(settings));
+}
+
+void OffscreenShow::Play(const std::string& title, const std::string& artist) {
+  TrackInfo track = MakeTrackInfo(title, artist);
+  plugin_->Play(&track, nullptr);
+}
+
+void OffscreenShow::Deliver(const RenderVisualData& record) {
+  RenderVisualData copy = record;
+  plugin_->RenderData(&copy, deliveries_++);
+}
+
+void OffscreenShow::Stop() {
+  plugin_->Stop();
+}
+
+bool OffscreenShow::Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error) {
+  picture_ = picture;
+  taken_ = false;
+  const clock::StepResult result = clock::Step(kOrigin + time);
+  picture_ = {};
+  if (result == clock::StepResult::Frame && taken_) return true;
+  error = "the plug-in has stopped drawing" + Because();
+  return false;
+}
+
+void OffscreenShow::TakeFrame(void* refCon, const HalvenorFrame* frame) {
+  auto* const self = static_cast<OffscreenShow*>(refCon);
+  const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(frame->width);
+  const auto rows = static_cast<std::size_t>(frame->height);
+  if (self->picture_.size() != rowBytes * rows) return;
+  const std::uint8_t* from = frame->topRow;
+  std::uint8_t* to = self->picture_.data();
+  for (std::size_t row = 0; row < rows; ++row, from += frame->stride, to += rowBytes)
+    std::memcpy(to, from, rowBytes);
+  self->taken_ = true;
+}
+
+} // namespace halvenor::render

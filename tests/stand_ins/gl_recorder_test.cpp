@@ -1,29 +1,9 @@
 #include "platform/agl.h"
+#include "tests/stand_ins/allocation_counter.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <array>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
-
-namespace {
-std::atomic<bool> counting = false;
-std::atomic<int> allocations = 0;
-} // namespace
-
-// Counts what a silent recorder must not do.
-void* operator new(std::size_t size) {
-  if (counting) ++allocations;
-  if (void* block = std::malloc(size)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-  std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
 
 namespace halvenor::stand_ins {
 namespace {
@@ -130,7 +110,7 @@ TEST_F(GlRecorderTest, SilenceRecordsAndAllocatesNothingButCountsOn) {
   const std::array<float, 4> numbers = {0, 1, 2, 3};
   HalvenorPort port{};
   SetSilent(true);
-  counting = true;
+  const std::uint64_t before = AllocationsOfThisThread();
   for (int i = 0; i < 10; ++i) {
     aglSetDrawable(context_, &port);
     aglSetCurrentContext(context_);
@@ -140,8 +120,7 @@ TEST_F(GlRecorderTest, SilenceRecordsAndAllocatesNothingButCountsOn) {
     (void)aglGetError();
     (void)glGetError();
   }
-  counting = false;
-  EXPECT_EQ(allocations, 0);
+  EXPECT_EQ(AllocationsOfThisThread(), before);
   EXPECT_THAT(Calls(), IsEmpty());
   EXPECT_EQ(CallCount("glDrawArrays"), 10U);
   Fail("glGenLists", GL_OUT_OF_MEMORY);

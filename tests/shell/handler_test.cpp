@@ -1,0 +1,165 @@
+#include "platform/clock.h"
+#include "shell/plugin_state.h"
+#include "tests/shell/test_host.h"
+#include "tests/stand_ins/offscreen_port.h"
+#include "tests/stand_ins/stand_in_test.h"
+
+namespace halvenor {
+namespace {
+
+using testing::ElementsAre;
+
+class Handler : public stand_ins::StandInTest {
+protected:
+  void SetUp() override {
+    StandInTest::SetUp();
+    host_.Init();
+    host_.requests.clear();
+    PutPascal(track_.bytes + kTrackTitleOffset, "A");
+    PutPascal(track_.bytes + kTrackArtistOffset, "B");
+    PutPascal(stream_.bytes + kStreamTitleOffset, "Radio");
+    track_.bytes[kTrackInfoSize - 1] = 1;
+    stream_.bytes[kStreamInfoSize - 1] = 1;
+  }
+
+  TestHost host_;
+  TrackInfo track_{};
+  StreamInfo stream_{};
+};
+
+TEST_F(Handler, AnswersEachCode) {
+  const struct {
+    FourCharCode code;
+    Status status;
+  } cases[] = {{Code("null"), 0}, {Code("setp"), 0},  {Code("von "), 0},
+               {Code("voff"), 0}, {Code("vupd"), 0},  {Code("vpau"), 0},
+               {Code("vunp"), 0}, {Code("vstp"), 0},  {Code("hide"), 0},
+               {Code("vrnd"), 0}, {Code("vply"), 0},  {Code("ctrk"), 0},
+               {Code("cnfg"), 0}, {Code("what"), -4}, {0, -4}};
+  for (const auto& [code, status] : cases)
+    EXPECT_EQ(host_.Send(code), status) << std::hex << code;
+  EXPECT_NE(host_.SendWindow(message::kSetWindow, nullptr, {}, 0), 0); // nothing is open
+}
+
+TEST_F(Handler, EveryMessageSetsTheRecordPointerFirst) {
+  VisualMessage none{};
+  int anything = 0;
+  EXPECT_EQ(VisualPluginHandler(Code("what"), &none, &anything), status::kNotHandled);
+  EXPECT_EQ(static_cast<void*>(visualPluginData), &anything);
+  // A record that is not one is not used; nor is a message that is not there.
+  for (const FourCharCode code : {message::kRenderData, message::kPlay, message::kEvent})
+    EXPECT_EQ(VisualPluginHandler(code, &none, &anything), status::kNotHandled);
+  for (const FourCharCode code : {message::kInit, message::kShow, message::kRenderData})
+    EXPECT_EQ(VisualPluginHandler(code, nullptr, host_.refCon), status::kNotHandled);
+  EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, &anything), 0);
+  EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, nullptr), 0);
+  EXPECT_EQ(host_.Send(message::kIdle), 0);
+  EXPECT_EQ(visualPluginData, host_.Record());
+}
+
+TEST_F(Handler, PlayShowsALineForEachRecord) {
+  VisualPluginData& record = *host_.Record();
+  EXPECT_EQ(host_.SendTracks(message::kPlay, &track_, &stream_), 0);
+  EXPECT_EQ(*record.trackText, "A - B");
+  EXPECT_EQ(*record.streamText, "Radio");
+  EXPECT_EQ(record.trackTextTime, 3000);
+  EXPECT_EQ(record.streamTextTime, 3000);
+  EXPECT_EQ(std::memcmp(&record.trackInfo, &track_, sizeof track_), 0);
+  EXPECT_EQ(std::memcmp(&record.streamInfo, &stream_, sizeof stream_), 0);
+
+  // A missing record clears its copy and leaves its line alone.
+  record.settings.trackTextDuration = 77;
+  PutPascal(track_.bytes + kTrackTitleOffset, "C");
+  host_.SendTracks(message::kPlay, &track_, nullptr);
+  EXPECT_EQ(*record.trackText, "C - B");
+  EXPECT_EQ(record.trackTextTime, 77);
+  EXPECT_EQ(*record.streamText, "Radio");
+  EXPECT_EQ(record.streamTextTime, 3000);
+  EXPECT_EQ(record.streamInfo.bytes[kStreamInfoSize - 1], 0);
+  host_.SendTracks(message::kPlay, nullptr, &stream_);
+  EXPECT_EQ(record.trackInfo.bytes[kTrackInfoSize - 1], 0);
+  EXPECT_EQ(*record.trackText, "C - B");
+}
+
+TEST_F(Handler, ChangeOfTrackHasFixedTimesAndTheStreamWins) {
+  VisualPluginData& record = *host_.Record();
+  host_.SendTracks(message::kChangeTrack, &track_, nullptr);
+  EXPECT_EQ(record.trackTextTime, 1000);
+  EXPECT_EQ(record.streamTextTime, 0);
+  host_.SendTracks(message::kChangeTrack, &track_, &stream_);
+  EXPECT_EQ(record.trackTextTime, 0);
+  EXPECT_EQ(record.streamTextTime, 1000);
+  EXPECT_EQ(*record.trackText, "A - B");
+  host_.SendTracks(message::kChangeTrack, nullptr, nullptr);
+  EXPECT_EQ(record.streamTextTime, 1000);
+}
+
+TEST_F(Handler, TitlesOfAnyLengthAndContentFit) {
+  const std::string full(255, 'x');
+  PutPascal(track_.bytes + kTrackTitleOffset, full);
+  PutPascal(track_.bytes + kTrackArtistOffset, std::string("cut\0here", 8));
+  host_.SendTracks(message::kPlay, &track_, nullptr);
+  EXPECT_EQ(*host_.Record()->trackText, full + " - cut");
+  PutPascal(track_.bytes + kTrackTitleOffset, "100%s");
+  PutPascal(track_.bytes + kTrackArtistOffset, "");
+  host_.SendTracks(message::kPlay, &track_, nullptr);
+  EXPECT_EQ(*host_.Record()->trackText, "100%s - ");
+}
+
+TEST_F(Handler, DataPauseAndStop) {
+  VisualPluginData& record = *host_.Record();
+  RenderVisualData data{};
+  data.numSpectrumChannels = 2;
+  data.spectrum[1][3] = 255;
+  EXPECT_EQ(host_.SendData(&data, 4711), 0);
+  EXPECT_EQ(record.renderTimeStampID, 4711U);
+  EXPECT_EQ(record.smoothedSpectrum[1][3], 89);
+  host_.Send(message::kUnpause);
+  EXPECT_EQ(record.playing, 1);
+  for (const FourCharCode code : {message::kPause, message::kStop}) {
+    record.channelLevel[0] = 1.0F;
+    record.playing = 1;
+    host_.Send(code);
+    EXPECT_EQ(record.playing, 0);
+    EXPECT_EQ(record.channelLevel[0], 0.0F);
+    EXPECT_EQ(record.smoothedSpectrum[1][3], 89);
+  }
+}
+
+TEST_F(Handler, KeysAreTheLowByteOfTheEventsWord) {
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'x' << 8), -4); // not the second byte
+  EXPECT_EQ(host_.SendEvent(1, 'c'), -4);                  // a mouse event
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'C'), -4);
+  EXPECT_THAT(host_.requests, testing::IsEmpty());
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 0x12345600U | 'c'), 0);
+  EXPECT_EQ(host_.SendEvent(kKeyRepeatEvent, 'c'), 0);
+  EXPECT_THAT(host_.requests, ElementsAre("sful", "sful"));
+  EXPECT_EQ(host_.lastRequest.body.fullScreen.fullScreen, 0);
+}
+
+TEST_F(Handler, HideClearsTheRecordsAndKeepsTheLines) {
+  host_.SendTracks(message::kPlay, &track_, &stream_);
+  EXPECT_EQ(host_.Send(message::kHide), 0); // nothing was shown
+  EXPECT_EQ(host_.Record()->trackInfo.bytes[kTrackInfoSize - 1], 0);
+  EXPECT_EQ(host_.Record()->streamInfo.bytes[kStreamInfoSize - 1], 0);
+  EXPECT_EQ(*host_.Record()->trackText, "A - B");
+  EXPECT_EQ(host_.Record()->trackTextTime, 3000);
+}
+
+TEST_F(Handler, WindowMessagesCarryTheOptionsAndTheRectangle) {
+  HalvenorPort port = stand_ins::OffscreenPort(300, 200);
+  clock::UseStepped(1);
+  EXPECT_EQ(host_.Show(&port, 6), 0);
+  EXPECT_EQ(host_.Record()->windowOptions, 6U);
+  EXPECT_EQ(host_.SendWindow(message::kSetWindow, &port, {10, 20, 110, 220}, 1), 0);
+  EXPECT_EQ(host_.Record()->windowOptions, 1U);
+  EXPECT_EQ(stand_ins::CallsOf("glViewport").back().text, "glViewport(0, 0, 200, 100)");
+  stand_ins::Fail("aglUpdateContext", 10000, 1, 1);
+  EXPECT_NE(host_.SendWindow(message::kSetWindow, &port, port.bounds, 0), 0);
+  EXPECT_EQ(host_.Send(message::kHide), 0);
+  EXPECT_NE(host_.SendWindow(message::kSetWindow, &port, port.bounds, 0), 0);
+  clock::UseRealTime();
+}
+
+} // namespace
+} // namespace halvenor

@@ -1,0 +1,100 @@
+// Hosts that send messages from inside the plug-in's requests.
+#include "platform/clock.h"
+#include "platform/guard.h"
+#include "shell/plugin_state.h"
+#include "tests/shell/test_host.h"
+#include "tests/stand_ins/offscreen_port.h"
+#include "tests/stand_ins/stand_in_test.h"
+
+#include <thread>
+
+namespace halvenor {
+namespace {
+
+class NestedMessages : public stand_ins::StandInTest {
+protected:
+  void SetUp() override {
+    StandInTest::SetUp();
+    clock::UseStepped(1000000000);
+    host_.Init();
+    host_.Show(&port_, kFullScreenOption);
+  }
+  void TearDown() override {
+    if (host_.refCon != nullptr) host_.Send(message::kCleanup);
+    EXPECT_FALSE(mutex.HeldByThisThread());
+    EXPECT_EQ(rendering, 0);
+    EXPECT_EQ(renderThreadExists, 0);
+    EXPECT_EQ(stand_ins::LiveContexts(), 0);
+    clock::UseRealTime();
+    StandInTest::TearDown();
+  }
+  bool Draws() { return clock::Step(clock::Now() + 10000000) == clock::StepResult::Frame; }
+
+  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
+  TestHost host_;
+};
+
+TEST_F(NestedMessages, LeavingFullScreenBringsANewWindow) {
+  host_.inside[request::kSetFullScreen] = [this] {
+    EXPECT_EQ(host_.SendWindow(message::kSetWindow, &port_, {0, 0, 100, 200}, 0), 0);
+    EXPECT_TRUE(mutex.HeldByThisThread()); // the outer message still has it
+  };
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
+  EXPECT_EQ(host_.Record()->windowOptions, 0U);
+  EXPECT_TRUE(Draws());
+  EXPECT_EQ(stand_ins::CallsOf("glViewport").back().text, "glViewport(0, 0, 200, 100)");
+}
+
+TEST_F(NestedMessages, TheHostHidesAndShowsFromInside) {
+  host_.inside[request::kSetFullScreen] = [this] {
+    EXPECT_EQ(host_.Send(message::kHide), 0); // joins the thread: the lock is let go and restored
+    EXPECT_TRUE(mutex.HeldByThisThread());
+    EXPECT_FALSE(renderer->IsOpen());
+    EXPECT_EQ(host_.Show(&port_), 0);
+  };
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
+  EXPECT_TRUE(renderer->IsOpen());
+  EXPECT_TRUE(Draws());
+}
+
+TEST_F(NestedMessages, TheRecordIsGoneAfterwards) {
+  host_.inside[request::kSetFullScreen] = [this] {
+    EXPECT_EQ(host_.Send(message::kHide), 0);
+    EXPECT_EQ(host_.Send(message::kCleanup), 0);
+  };
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
+  EXPECT_FALSE(renderer->IsOpen());
+  EXPECT_FALSE(Draws());
+  EXPECT_EQ(RecordGuard().Record(), nullptr);
+}
+
+TEST_F(NestedMessages, TheRegistrationAndInitAnswerInside) {
+  TestHost other;
+  other.inside[request::kGetPluginFileSpec] = [this] { host_.Send(message::kIdle); };
+  EXPECT_EQ(other.Init(), 0);
+  EXPECT_EQ(visualPluginData, other.Record()); // not the one that the inner message brought
+}
+
+TEST_F(NestedMessages, TheGuardTakesTheLockUnlessItsThreadHasIt) {
+  host_.Send(message::kIdle);
+  {
+    const RecordGuard guard;
+    EXPECT_EQ(guard.Record(), host_.Record());
+    EXPECT_TRUE(mutex.HeldByThisThread());
+  }
+  EXPECT_FALSE(mutex.HeldByThisThread());
+  host_.inside[request::kSetFullScreen] = [this] {
+    {
+      const RecordGuard guard;
+      EXPECT_EQ(guard.Record(), host_.Record());
+    }
+    EXPECT_TRUE(mutex.HeldByThisThread());
+  };
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
+  VisualMessage none{};
+  VisualPluginHandler(message::kIdle, &none, nullptr);
+  EXPECT_EQ(RecordGuard().Record(), nullptr);
+}
+
+} // namespace
+} // namespace halvenor

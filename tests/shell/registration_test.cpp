@@ -1,0 +1,171 @@
+#include "shell/host_requests.h"
+#include "shell/plugin_state.h"
+#include "shell/registration.h"
+#include "tests/shell/test_host.h"
+#include "tests/stand_ins/log_lines.h"
+#include "tests/stand_ins/stand_in_test.h"
+
+#include <pthread.h>
+
+namespace {
+bool failMutex = false;
+bool failMemory = false;
+} // namespace
+
+extern "C" {
+int __real_pthread_mutex_init(pthread_mutex_t*, const pthread_mutexattr_t*);
+int __wrap_pthread_mutex_init(pthread_mutex_t* native, const pthread_mutexattr_t* attributes) {
+  return failMutex ? 11 : __real_pthread_mutex_init(native, attributes);
+}
+void* __real_NewPtrClear(int32_t);
+void* __wrap_NewPtrClear(int32_t size) {
+  return failMemory ? nullptr : __real_NewPtrClear(size);
+}
+}
+
+namespace halvenor {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+HostMessage taken;
+FourCharCode takenCode;
+Status answer;
+
+Status Take(void*, FourCharCode code, HostMessage* message) {
+  taken = *message;
+  takenCode = code;
+  return answer;
+}
+
+class Registration : public stand_ins::StandInTest {};
+
+// Read as the host would, byte by byte, with a pointer's width where the record has pointers.
+template <typename Number>
+Number At(std::size_t offset, std::size_t pointersBefore = 0) {
+  Number number;
+  std::memcpy(&number, taken.body.bytes + offset + pointersBefore * kPointerGrowth, sizeof number);
+  return number;
+}
+
+TEST_F(Registration, TheRecordIsThePublishedOne) {
+  PluginInitMessage message = {10, 1, nullptr, Take};
+  answer = 0;
+  EXPECT_EQ(RegisterVisualPlugin(&message), 0);
+  EXPECT_EQ(takenCode, Code("rvis"));
+  EXPECT_EQ(taken.majorVersion, 10U);
+  EXPECT_EQ(taken.minorVersion, 1U);
+  EXPECT_EQ(taken.size, sizeof(void*) == 4 ? 124U : 132U);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(taken.body.bytes), 10),
+            std::string("\x08Halvenor\0", 10));
+  EXPECT_EQ(At<std::uint32_t>(64), 0x28U);
+  EXPECT_EQ(At<std::uint32_t>(68), Code("hook"));
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(taken.body.bytes) + 72, 4),
+            std::string("\x00\x02\x80\x00", 4));
+  EXPECT_EQ(At<VisualHandlerProc>(76), &VisualPluginHandler);
+  EXPECT_EQ(At<void*>(80, 1), nullptr);
+  const std::uint32_t words[] = {50, 2, 2};
+  for (std::size_t i = 0; i < 3; ++i)
+    EXPECT_EQ(At<std::uint32_t>(84 + 4 * i, 2), words[i]);
+  const std::int16_t halves[] = {64, 64, 32767, 32767, 0, 0, 0};
+  for (std::size_t i = 0; i < 7; ++i)
+    EXPECT_EQ(At<std::int16_t>(96 + 2 * i, 2), halves[i]);
+}
+
+TEST_F(Registration, TheEntryAnswersWhateverTheHostSays) {
+  stand_ins::LogLines log;
+  for (const Status status : {0, -1, 1234}) {
+    answer = status;
+    PluginInitMessage message = {10, 1, nullptr, Take};
+    EXPECT_EQ(iTunesPluginMainMachO(message::kInit, &message, nullptr), 0);
+    EXPECT_EQ(RegisterVisualPlugin(&message), status);
+  }
+  EXPECT_EQ(iTunesPluginMainMachO(message::kCleanup, nullptr, nullptr), 0);
+  for (const FourCharCode code : {message::kShow, message::kIdle, Code("what"), 0U})
+    EXPECT_EQ(iTunesPluginMainMachO(code, nullptr, nullptr), status::kNotHandled);
+  EXPECT_NE(renderer, nullptr);
+  EXPECT_THAT(log.Take(), IsEmpty());
+}
+
+TEST_F(Registration, GoesOnWithoutAMutexOfItsOwn) {
+  stand_ins::LogLines log;
+  Renderer* const kept = renderer;
+  renderer = nullptr; // as at the start of the process
+  failMutex = true;
+  PluginInitMessage message = {10, 1, nullptr, Take};
+  answer = 7;
+  EXPECT_EQ(RegisterVisualPlugin(&message), 7);
+  failMutex = false;
+  EXPECT_THAT(log.Take(), ElementsAre(" Failed creating mutex"));
+  delete renderer;
+  renderer = kept;
+  EXPECT_EQ(VisualPluginHandler(message::kIdle, nullptr, nullptr), 0); // and can still lock
+}
+
+TEST_F(Registration, WithoutMemoryThereIsNoRecord) {
+  TestHost host;
+  failMemory = true;
+  EXPECT_EQ(host.Init(), status::kOutOfMemory);
+  failMemory = false;
+  EXPECT_EQ(host.refCon, nullptr);
+  EXPECT_THAT(host.requests, IsEmpty());
+}
+
+TEST_F(Registration, RequestsCarryTheirArguments) {
+  std::uint8_t buffer[8] = {};
+  std::uint32_t sizeRead = 99;
+  answer = -17;
+  const struct {
+    FourCharCode code;
+    std::function<Status()> make;
+    std::function<void()> check;
+  } cases[] = {
+      {Code("pspc"),
+       [&] { return PlayerGetPluginFileSpec(nullptr, Take, reinterpret_cast<FileSpec*>(buffer)); },
+       [&] { EXPECT_EQ(At<void*>(0), buffer); }},
+      {Code("gprf"), [&] { return PlayerGetPluginData(nullptr, Take, buffer, 8, &sizeRead); },
+       [&] {
+         EXPECT_EQ(At<void*>(0), buffer);
+         EXPECT_EQ(At<std::uint32_t>(4, 1), 8U);
+         EXPECT_EQ(sizeRead, 0U);
+       }},
+      {Code("gprf"), [&] { return PlayerGetPluginData(nullptr, Take, buffer, 8, nullptr); },
+       [&] {}},
+      {Code("sprf"), [&] { return PlayerSetPluginData(nullptr, Take, buffer, 116); },
+       [&] { EXPECT_EQ(At<std::uint32_t>(4, 1), 116U); }},
+      {Code("sful"), [&] { return PlayerSetFullScreen(nullptr, Take, true); },
+       [&] { EXPECT_EQ(At<std::uint8_t>(0), 1); }},
+      {Code("sfop"), [&] { return PlayerSetFullScreenOptions(nullptr, Take, 16, 32, 24, -1, 480); },
+       [&] {
+         const std::int16_t halves[] = {16, 32, 24, -1, 480};
+         for (std::size_t i = 0; i < 5; ++i)
+           EXPECT_EQ(At<std::int16_t>(2 * i), halves[i]);
+       }},
+      {Code("any "), [&] { return ITCallApplication(nullptr, Take, Code("any "), nullptr); },
+       [&] {
+         for (const std::uint8_t byte : taken.body.bytes)
+           EXPECT_EQ(byte, 0);
+       }},
+  };
+  for (const auto& [code, make, check] : cases) {
+    EXPECT_EQ(make(), -17);
+    EXPECT_EQ(takenCode, code);
+    EXPECT_EQ(taken.majorVersion, 10U);
+    EXPECT_EQ(taken.size, sizeof taken);
+    check();
+  }
+}
+
+TEST(MemClear, ClearsExactlyWhatItIsTold) {
+  for (const int count : {-3, 0, 1, 15, 16, 17, 18, 63}) {
+    std::uint8_t bytes[72];
+    std::memset(bytes, 0xEE, sizeof bytes);
+    MemClear(bytes + 3, count);
+    for (int i = 0; i < 72; ++i)
+      EXPECT_EQ(bytes[i], i >= 3 && i < 3 + count ? 0 : 0xEE) << count << ", byte " << i;
+  }
+}
+
+} // namespace
+} // namespace halvenor

@@ -2,7 +2,8 @@
 //
 // A port is a plain record that the host fills and keeps alive, unchanged but for `bounds`, from
 // 'show' until 'hide' has returned. `bounds` changes on the host's thread only, before the 'swin'
-// that tells of it.
+// that tells of it; it is read only while the host's thread attaches the port or follows a change
+// (`aglUpdateContext`), never in a frame.
 #pragma once
 
 #include "platform/export.h"

@@ -25,6 +25,7 @@ struct HalvenorContext {
   std::atomic<bool> destroyed{false};
   std::atomic<int> current_on{0}; // number of a thread, 0: none
   GrafPtr port = nullptr;
+  GrafPtr last_port = nullptr;
   Rect port_bounds{};
   std::array<GLint, 4> buffer_rect{};
   bool buffer_rect_enabled = false;
@@ -206,6 +207,7 @@ bool ReadAttributes(const GLint* attributes, Line& line) {
   return attributes != nullptr;
 }
 
+// Only where the host's thread calls: in a frame the host may be changing the bounds.
 void FollowPort(AGLContext context) {
   if (context->port != nullptr) context->port_bounds = context->port->bounds;
 }
@@ -374,7 +376,10 @@ GLboolean aglSetDrawable(AGLContext context, GrafPtr port) {
   Line(Function::aglSetDrawable) << context << port;
   if (!MayGoOn(Function::aglSetDrawable, context, fault)) return GL_FALSE;
   context->port = port;
-  FollowPort(context);
+  if (port != nullptr && port != context->last_port) {
+    context->last_port = port;
+    FollowPort(context);
+  }
   return GL_TRUE;
 }
 
@@ -394,7 +399,6 @@ GLboolean aglSetCurrentContext(AGLContext context) {
                                                    std::memory_order_relaxed)) {
     ReportContextMisuse(Function::aglSetCurrentContext, context, "is current on another thread");
   }
-  FollowPort(context);
   return GL_TRUE;
 }
 

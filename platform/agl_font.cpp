@@ -14,10 +14,14 @@ namespace {
 using halvenor::agl::Glyph;
 
 void CompileList(GLuint list, const Glyph& glyph) {
+  // Compiling a bitmap of no size, such as a blank's, leaves Mesa with GL_OUT_OF_MEMORY: one
+  // clear pixel instead.
+  static constexpr GLubyte kClear[4] = {};
+  const bool isBlank = glyph.rows.empty();
   glNewList(list, GL_COMPILE);
-  glBitmap(glyph.width, glyph.height, static_cast<GLfloat>(-glyph.left),
+  glBitmap(isBlank ? 1 : glyph.width, isBlank ? 1 : glyph.height, static_cast<GLfloat>(-glyph.left),
            static_cast<GLfloat>(-glyph.bottom), static_cast<GLfloat>(glyph.advance), 0.0F,
-           glyph.rows.data());
+           isBlank ? kClear : glyph.rows.data());
   glEndList();
 }
 

@@ -10,9 +10,12 @@
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
-#include <span>
+#include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace halvenor {
 namespace {
@@ -52,12 +55,38 @@ QString ObviousFault(const QString& medium) {
   return {};
 }
 
+// The command line as it is given to Qt, which takes "--plugin PATH" for an option of its own but
+// leaves "--plugin=PATH" alone.
+class CommandLine {
+public:
+  CommandLine(int argc, char** argv) {
+    for (int i = 0; i < argc; ++i) {
+      const bool followed = i > 0 && i + 1 < argc && std::string_view(argv[i]) == "--plugin";
+      words_.push_back(followed ? std::string("--plugin=") + argv[i + 1] : argv[i]);
+      if (followed) ++i;
+    }
+    for (std::string& word : words_)
+      pointers_.push_back(word.data());
+    count_ = static_cast<int>(pointers_.size());
+    pointers_.push_back(nullptr);
+  }
+
+  int& Count() { return count_; }
+  char** Words() { return pointers_.data(); }
+  [[nodiscard]] bool Has(std::string_view word) const {
+    return std::ranges::count(words_, word) > 0;
+  }
+
+private:
+  std::deque<std::string> words_; // whose addresses stay
+  std::vector<char*> pointers_;
+  int count_ = 0;
+};
+
 // The help and the version are told with or without a display.
-bool AsksOnlyForText(std::span<char*> arguments) {
+bool AsksOnlyForText(const CommandLine& line) {
   constexpr std::string_view kTextOptions[] = {"-h", "--help", "--help-all", "-v", "--version"};
-  return std::any_of(arguments.begin(), arguments.end(), [&](const char* argument) {
-    return std::ranges::count(kTextOptions, std::string_view(argument)) > 0;
-  });
+  return std::ranges::any_of(kTextOptions, [&](std::string_view word) { return line.Has(word); });
 }
 
 int ShowWindow(const Arguments& arguments) {
@@ -117,14 +146,15 @@ int main(int argc, char** argv) {
   QCoreApplication::setApplicationName(QString::fromLatin1(kProgramName));
   QCoreApplication::setApplicationVersion(QStringLiteral(HALVENOR_VERSION));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Halvenor"));
-  if (AsksOnlyForText({argv + 1, static_cast<std::size_t>(std::max(argc - 1, 0))})) {
-    QCoreApplication application(argc, argv);
+  CommandLine line(argc, argv);
+  if (AsksOnlyForText(line)) {
+    QCoreApplication application(line.Count(), line.Words());
     return Run();
   }
   std::unique_ptr<QApplication> application;
   {
     StartingMessages held;
-    application = std::make_unique<QApplication>(argc, argv);
+    application = std::make_unique<QApplication>(line.Count(), line.Words());
   }
   return Run();
 }

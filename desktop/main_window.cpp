@@ -60,6 +60,9 @@ void MainWindow::End() {
 void MainWindow::MakeContents() {
   area_ = new DrawingArea;
   container_ = QWidget::createWindowContainer(area_);
+  // What shows until the first frame, where Qt paints beneath the area.
+  container_->setPalette(Qt::black);
+  container_->setAutoFillBackground(true);
   const PluginRegistration& limits = visualizer_->Plugin().Registration();
   container_->setMinimumSize(qMax(1, limits.minWidth), qMax(1, limits.minHeight));
   notice_ = new QLabel;

@@ -17,6 +17,19 @@ std::uint64_t AllocationsOfThisThread() {
 
 } // namespace halvenor::stand_ins
 
+// The thread sanitizer's runtime has these functions itself.
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define HALVENOR_OWN_NEW 0
+#endif
+#elif defined(__SANITIZE_THREAD__)
+#define HALVENOR_OWN_NEW 0
+#endif
+#ifndef HALVENOR_OWN_NEW
+#define HALVENOR_OWN_NEW 1
+#endif
+
+#if HALVENOR_OWN_NEW
 // The other forms of new and delete come down to these.
 void* operator new(std::size_t size) {
   ++halvenor::stand_ins::allocations;
@@ -30,3 +43,4 @@ void operator delete(void* block) noexcept {
 void operator delete(void* block, std::size_t) noexcept {
   std::free(block);
 }
+#endif

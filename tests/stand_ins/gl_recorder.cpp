@@ -49,10 +49,10 @@ std::string MaskText(GLbitfield mask) {
   std::string text;
   for (const NamedValue& bit : kClearBits) {
     if ((mask & bit.value) == 0) continue;
-    text += (text.empty() ? "" : " | ") + std::string(bit.name);
+    text.append(text.empty() ? "" : " | ").append(bit.name);
     mask &= ~bit.value;
   }
-  if (mask != 0 || text.empty()) text += (text.empty() ? "" : " | ") + Hexadecimal(mask);
+  if (mask != 0 || text.empty()) text.append(text.empty() ? "" : " | ").append(Hexadecimal(mask));
   return text;
 }
 

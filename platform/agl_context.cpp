@@ -206,6 +206,8 @@ GLenum HalvenorContext::Swap() {
   if (Current() != this) return AGL_BAD_CONTEXT;
   // That there is nothing to show it in was reported when the port was attached.
   if (port_ == nullptr || !presenter_) return AGL_NO_ERROR;
+  // A buffer that could not be made was reported, too, and leaves no picture to show.
+  if (!buffer_ && !BufferSize().IsEmpty()) return AGL_NO_ERROR;
   Picture picture{buffer_ ? &buffer_ : nullptr, 0, 0, bounds_};
   if (usesRect_) {
     picture.x = rectX_;

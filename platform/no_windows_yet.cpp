@@ -4,17 +4,8 @@
 
 namespace halvenor::agl {
 
-std::shared_ptr<EglDisplay> OpenX11Display(const HalvenorPort&) {
-  Log("X11 windows cannot be drawn to yet");
-  return nullptr;
-}
-
 std::shared_ptr<EglDisplay> OpenWaylandDisplay(const HalvenorPort&) {
   Log("Wayland surfaces cannot be drawn to yet");
-  return nullptr;
-}
-
-std::unique_ptr<Presenter> MakeX11Presenter(EglDisplay&, const HalvenorPort&) {
   return nullptr;
 }
 

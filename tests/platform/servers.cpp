@@ -1,0 +1,103 @@
+#include "tests/platform/servers.h"
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <poll.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace halvenor {
+namespace {
+
+constexpr std::chrono::seconds kPatience{20};
+
+std::string ReadLine(int file) {
+  std::string line;
+  pollfd waiting{file, POLLIN, 0};
+  char character = 0;
+  while (poll(&waiting, 1, 1000 * static_cast<int>(kPatience.count())) == 1 &&
+         read(file, &character, 1) == 1 && character != '\n')
+    line += character;
+  return line;
+}
+
+} // namespace
+
+ServerProcess::ServerProcess(std::vector<std::string> command, int handed,
+                             std::vector<std::string> environment) {
+  std::vector<char*> arguments;
+  for (std::string& word : command)
+    arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  pid_ = fork();
+  if (pid_ != 0) return;
+  for (std::string& variable : environment)
+    putenv(variable.data());
+  if (handed >= 0) dup2(handed, 3);
+  execvp(arguments[0], arguments.data());
+  std::perror(arguments[0]);
+  _exit(127);
+}
+
+bool ServerProcess::IsRunning() {
+  if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == pid_) pid_ = -1;
+  return pid_ > 0;
+}
+
+void ServerProcess::Signal(int signal) const {
+  if (pid_ > 0) kill(pid_, signal);
+}
+
+void ServerProcess::Kill() {
+  if (pid_ <= 0) return;
+  Signal(SIGKILL);
+  waitpid(pid_, nullptr, 0);
+  pid_ = -1;
+}
+
+XServer::XServer() {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) return;
+  process_ = std::make_unique<ServerProcess>(
+      std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0", "640x480x24", "-nolisten",
+                               "tcp", "-noreset"},
+      ends[1]);
+  close(ends[1]);
+  if (const std::string number = ReadLine(ends[0]); !number.empty()) name_ = ":" + number;
+  close(ends[0]);
+}
+
+WaylandServer::WaylandServer() {
+  std::string folder = "/tmp/halvenor-wayland-XXXXXX";
+  if (mkdtemp(folder.data()) == nullptr) return;
+  folder_ = folder;
+  setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
+  process_ = std::make_unique<ServerProcess>(
+      std::vector<std::string>{"weston", "--backend=headless-backend.so", "--socket=wayland-test",
+                               "--no-config", "--log=" + folder_ + "/log"},
+      -1);
+  const auto socket = std::filesystem::path(folder_) / "wayland-test";
+  if (Eventually([&] { return std::filesystem::exists(socket) || !process_->IsRunning(); }) &&
+      process_->IsRunning())
+    name_ = socket;
+}
+
+WaylandServer::~WaylandServer() {
+  process_.reset();
+  if (!folder_.empty()) std::filesystem::remove_all(folder_);
+}
+
+bool Eventually(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+} // namespace halvenor

@@ -149,10 +149,6 @@ void AudioReader::Decoder::FindLength() {
 /// Media that cannot seek are decoded from their start, and `Align` skips what comes before.
 bool AudioReader::Decoder::SeekToStart() {
   if (options.startSeconds <= 0) return true;
-  if (total && options.startSeconds >= *total) {
-    Fail("ends before the start that was asked for");
-    return false;
-  }
   const auto start = static_cast<std::int64_t>(options.startSeconds * kSecond);
   const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
   if (gst_element_seek_simple(pipeline.get(), GST_FORMAT_TIME, flags, start) == FALSE) return true;
@@ -285,6 +281,7 @@ const MediaTags& AudioReader::Tags() const {
 
 std::optional<double> AudioReader::Length() const {
   const AudioReaderOptions& options = decoder_->options;
+  if (!decoder_->total) decoder_->FindLength(); // some kinds tell only after a while
   if (!decoder_->total) return options.durationSeconds;
   const double rest = *decoder_->total - std::max(0.0, options.startSeconds);
   return std::min(rest, options.durationSeconds.value_or(rest));

@@ -153,6 +153,16 @@ Element MakeSink(const std::string& description, std::string& error) {
   return Owned(made, reason, error);
 }
 
+bool HasAudioDevice() {
+  const std::unique_ptr<GstDeviceMonitor, ReleasedBy<gst_object_unref>> monitor(
+      gst_device_monitor_new());
+  gst_device_monitor_add_filter(monitor.get(), "Audio/Sink", nullptr);
+  GList* devices = gst_device_monitor_get_devices(monitor.get());
+  const bool any = devices != nullptr;
+  g_list_free_full(devices, gst_object_unref);
+  return any;
+}
+
 Element Part(const Element& pipeline, const char* name) {
   return Element(gst_bin_get_by_name(GST_BIN(pipeline.get()), name));
 }

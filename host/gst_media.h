@@ -69,6 +69,9 @@ Element MakePipeline(const std::string& description, const std::string& uri, std
 /// Makes a bin with one sink pad of a textual description; failure as before.
 Element MakeSink(const std::string& description, std::string& error);
 
+/// Whether sound can be heard at all on this machine.
+bool HasAudioDevice();
+
 /// The element of that name in the pipeline.
 Element Part(const Element& pipeline, const char* name);
 

@@ -73,6 +73,7 @@ struct MediaPlayer::Impl {
   std::string failure; // to be told by the next `Poll`
 
   void Begin(double at);
+  [[nodiscard]] std::string SinkDescription() const;
   void SetState(State wanted);
   void Fail(const std::string& text);
   void HandleBus();
@@ -100,7 +101,7 @@ void MediaPlayer::Impl::Begin(double at) {
   medium = Start(error) ? Find(name, error) : std::nullopt;
   if (medium) {
     tags.title = medium->title;
-    session = MakeSession(*medium, silent ? "fakesink sync=true" : audioSink, error);
+    session = MakeSession(*medium, SinkDescription(), error);
   }
   if (!session) {
     Fail(error);
@@ -108,6 +109,12 @@ void MediaPlayer::Impl::Begin(double at) {
   }
   session->resumeAt = at;
   SetState(State::Playing);
+}
+
+std::string MediaPlayer::Impl::SinkDescription() const {
+  // Asking first: the search for a sink fills standard error with complaints when there is none.
+  if (silent || (audioSink.empty() && !HasAudioDevice())) return "fakesink sync=true";
+  return audioSink.empty() ? "autoaudiosink" : audioSink;
 }
 
 void MediaPlayer::Impl::SetState(State wanted) {
@@ -237,8 +244,8 @@ void MediaPlayer::Stop() {
 }
 
 void MediaPlayer::Poll() {
+  impl_->HandleBus(); // first: a device that has failed may say that it is anywhere
   impl_->FindPosition();
-  impl_->HandleBus();
   if (impl_->session && impl_->session->started)
     impl_->TellRecords(static_cast<std::int64_t>(impl_->position * kSecond));
   if (!impl_->failure.empty()) impl_->listener.Failed(std::exchange(impl_->failure, {}));

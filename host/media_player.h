@@ -36,15 +36,16 @@ public:
   /// `listener` must outlive the player. From its functions any call but `Poll` and the player's
   /// destruction is allowed.
   ///
-  /// `audioSink` is what sounds, as GStreamer's textual description of a bin. Without any audio
-  /// device, or when the device fails while playing, the medium goes on silently at its own speed.
-  explicit MediaPlayer(Listener& listener, std::string audioSink = "autoaudiosink");
+  /// `audioSink` is what sounds, as GStreamer's textual description of a bin; empty: the default
+  /// audio device. Without any audio device, or when the device fails while playing, the medium
+  /// goes on silently at its own speed.
+  explicit MediaPlayer(Listener& listener, std::string audioSink = {});
   ~MediaPlayer();
   MediaPlayer(const MediaPlayer&) = delete;
   MediaPlayer& operator=(const MediaPlayer&) = delete;
 
-  /// Stops what plays and plays `medium`, a path or a URI, from its start. Returns at once: what
-  /// goes wrong is told by `Failed`.
+  /// Stops what plays and plays `medium`, a path or a URI, from its start. Returns as soon as the
+  /// audio device is open: what goes wrong is told by `Failed`.
   void Open(const std::string& medium);
 
   /// Goes on after `Pause`, or plays the last medium from its start after it ended, failed or was

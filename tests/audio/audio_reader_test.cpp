@@ -1,0 +1,235 @@
+#include "host/audio_reader.h"
+#include "tests/audio/sound_files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <vector>
+
+namespace halvenor {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct Content {
+  std::vector<RenderVisualData> records;
+  std::vector<float> sound;
+  MediaTags tags;
+  std::optional<double> length;
+  std::string error;
+};
+
+Content Read(const std::string& medium, const AudioReaderOptions& options = {}) {
+  Content content;
+  const auto reader = AudioReader::Open(medium, options, content.error);
+  if (!reader) return content;
+  while (const AnalysedSound* analysed = reader->Next()) {
+    EXPECT_EQ(analysed->index, content.records.size());
+    content.records.push_back(analysed->record);
+    content.sound.insert(content.sound.end(), analysed->sound.begin(), analysed->sound.end());
+  }
+  content.tags = reader->Tags();
+  content.length = reader->Length();
+  content.error = reader->Error();
+  return content;
+}
+
+int PeakBin(const RenderVisualData& record, int channel) {
+  const auto* peak = std::ranges::max_element(record.spectrum[channel]);
+  return static_cast<int>(peak - record.spectrum[channel]);
+}
+
+struct Format {
+  const char* file;
+  const char* encoder;
+  int rate;
+  int channels;
+  bool lossless;
+};
+
+const Format kFormats[] = {
+    {"phone.wav", "audio/x-raw,format=U8 ! wavenc", 8000, 1, false},
+    {"half.wav", "audio/x-raw,format=S16LE ! wavenc", 22050, 1, true},
+    {"cd.wav", "audio/x-raw,format=S16LE ! wavenc", 44100, 2, true},
+    {"float.wav", "audio/x-raw,format=F32LE ! wavenc", 48000, 2, true},
+    {"surround.wav", "audio/x-raw,format=S24LE ! wavenc", 192000, 8, true},
+    {"dvd.flac", "flacenc", 48000, 6, true},
+    {"studio.flac", "flacenc", 96000, 2, true},
+    {"mono.ogg", "vorbisenc ! oggmux", 44100, 1, false},
+    {"stereo.ogg", "vorbisenc ! oggmux", 48000, 2, false},
+    {"voice.opus", "opusenc ! oggmux", 16000, 1, false},
+    {"music.opus", "opusenc bitrate=192000 ! oggmux", 48000, 2, false},
+    {"music.mp3", "lamemp3enc ! id3v2mux", 44100, 2, false},
+    {"low.mp3", "lamemp3enc", 22050, 1, false},
+    {"music.m4a", "avenc_aac ! mp4mux", 44100, 2, false},
+};
+
+TEST(AudioReader, ASineStandsInItsBinWhateverTheFormat) {
+  const SoundFolder folder;
+  for (const Format& format : kFormats)
+    for (const double frequency : {440.0, 3000.0, 10000.0, 15000.0}) {
+      // Lossy encoders drop what lies near half of their rate.
+      if (frequency > 0.4 * format.rate) continue;
+      SCOPED_TRACE(std::string(format.file) + " " + std::to_string(frequency));
+      const Content content = Read(folder.Write(
+          format.file, format.encoder, {format.rate, format.channels, 0.5, Sine(frequency)}));
+      EXPECT_EQ(content.error, "");
+      ASSERT_GE(content.records.size(), 10U);
+      for (std::size_t k = 2; k < 8; ++k)
+        for (int channel = 0; channel < 2; ++channel) {
+          const int bin = PeakBin(content.records[k], channel);
+          EXPECT_EQ(bin, std::lround(frequency / (kAnalysisRate / 512.0)));
+          EXPECT_GE(content.records[k].spectrum[channel][bin], format.lossless ? 255 : 245);
+        }
+    }
+}
+
+TEST(AudioReader, SilenceIsExactlyNothing) {
+  const SoundFolder folder;
+  for (const Format& format : kFormats) {
+    const Content content =
+        Read(folder.Write(format.file, format.encoder,
+                          {format.rate, format.channels, 0.3, [](double, int) { return 0; }}));
+    ASSERT_FALSE(content.records.empty()) << format.file << content.error;
+    for (const RenderVisualData& record : content.records)
+      for (const auto& channel : record.spectrum)
+        EXPECT_EQ(*std::ranges::max_element(channel), 0) << format.file;
+  }
+}
+
+TEST(AudioReader, ChannelsStayApartOrAreMixedDown) {
+  const SoundFolder folder;
+  struct Case {
+    int channels;
+    int sounding; // the channel that has the sine, -1 for all
+    bool left, right;
+  };
+  for (const auto& [channels, sounding, left, right] :
+       {Case{1, 0, true, true}, Case{2, 0, true, false}, Case{2, 1, false, true},
+        Case{6, 1, false, true}, Case{6, 2, true, true}, Case{8, -1, true, true}}) {
+    const auto wave = [sine = Sine(1000), only = sounding](double time, int channel) {
+      return only < 0 || channel == only ? sine(time, channel) : 0.0;
+    };
+    const Content content = Read(folder.Write("a.wav", "wavenc", {44100, channels, 0.3, wave}));
+    ASSERT_EQ(content.records.size(), 6U);
+    EXPECT_EQ(content.records[3].spectrum[0][12] > 150, left) << channels << sounding;
+    EXPECT_EQ(content.records[3].spectrum[1][12] > 150, right) << channels << sounding;
+  }
+}
+
+/// The first frame louder than `level`.
+std::ptrdiff_t Onset(const std::vector<float>& sound, float level = 0.2F) {
+  const auto loud = [=](float value) { return std::abs(value) > level; };
+  return (std::ranges::find_if(sound, loud) - sound.begin()) / 2;
+}
+
+TEST(AudioReader, AStartIsExactAndADurationCutsThere) {
+  const SoundFolder folder;
+  const auto late = [sine = Sine(1000, 0.7)](double time, int channel) {
+    return time < 2 ? 0 : sine(time, channel);
+  };
+  for (const Format& format : kFormats) {
+    SCOPED_TRACE(format.file);
+    const std::string path =
+        folder.Write(format.file, format.encoder, {format.rate, format.channels, 3, late});
+    const Content all = Read(path);
+    // Encoders may add a little in front, and nothing says how much.
+    EXPECT_NEAR(static_cast<double>(Onset(all.sound)), 88200, format.lossless ? 20 : 2500);
+    const Content part = Read(path, {1.2345, 1.1, {}});
+    EXPECT_EQ(part.error, "");
+    EXPECT_NEAR(static_cast<double>(Onset(all.sound) - Onset(part.sound)), 1.2345 * 44100, 10);
+    EXPECT_EQ(part.sound.size(), 2 * 48510U);
+    EXPECT_EQ(part.records.size(), 22U);
+    EXPECT_NEAR(part.length.value_or(0), 1.1, 0.001);
+    EXPECT_NEAR(all.length.value_or(0), 3, format.lossless ? 0.001 : 0.5);
+    const Content rest = Read(path, {2.5, 60, {}});
+    EXPECT_NEAR(static_cast<double>(rest.sound.size()) / 2, 22050, format.lossless ? 2 : 3000);
+  }
+}
+
+TEST(AudioReader, TagsNameTheSoundOrElseItsFile) {
+  const SoundFolder folder;
+  const std::string tagger =
+      "taginject tags=\"title=\\\"Blå \\\\\\\"2\\\\\\\"\\\",artist=Someone\" ! ";
+  const Sound sound{44100, 2, 0.2, Sine(500)};
+  for (const char* const encoder : {"flacenc", "vorbisenc ! oggmux", "opusenc ! oggmux",
+                                    "lamemp3enc ! id3v2mux", "avenc_aac ! mp4mux"}) {
+    const Content content = Read(folder.Write("x", tagger + encoder, sound));
+    EXPECT_EQ(content.tags, (MediaTags{"Blå \"2\"", "Someone"})) << encoder << content.error;
+  }
+  const std::string untagged = folder.Write("Ünnamed song.v2.wav", "wavenc", sound);
+  EXPECT_EQ(Read(untagged).tags, (MediaTags{"Ünnamed song.v2", ""}));
+  EXPECT_EQ(Read("file://" + folder.Path("%C3%9Cnnamed%20song.v2.wav")).tags.title,
+            "Ünnamed song.v2");
+}
+
+TEST(AudioReader, WhatCannotBeReadIsSaidInOneLine) {
+  const SoundFolder folder;
+  const std::string flac = folder.Write(
+      "tone.flac", "flacenc", {44100, 2, 2, [](double, int channel) {
+                                 return (std::rand() % 1000 - 500) / 1000.0 * (1 + channel) / 2;
+                               }});
+  std::string damaged = folder.Path("none");
+  struct Case {
+    std::string medium;
+    double start;
+    const char* error;
+    bool readsSome;
+  };
+  const Case cases[] = {
+      {folder.Path("missing.wav"), 0, "no such file", false},
+      {"file://" + folder.Path("missing.wav"), 0, "no such file", false},
+      {folder.Path(""), 0, "is a folder", false},
+      {folder.WriteBytes("empty.mp3", ""), 0, "is empty", false},
+      {folder.WriteBytes("text.txt", std::string(5000, 'x')), 0, "not sound of a known kind",
+       false},
+      {folder.WriteBytes("magic.flac", "fLaC"), 0, "not sound of a known kind", false},
+      {folder.Write("video.ogv", "fakesink  videotestsrc num-buffers=5 ! theoraenc ! oggmux",
+                    {44100, 1, 0.1, Sine(9)}),
+       0, "contains no sound", false},
+      {folder.Write("nothing.wav", "wavenc", {44100, 2, 0, Sine(9)}), 0, "contains no sound",
+       false},
+      {folder.Truncate(flac, 0.6), 0, "is truncated", true},
+      {folder.Truncate(flac, 0.99), 0, "is truncated", true},
+      {folder.Truncate(flac, 0.6), 0.5, "is truncated", true},
+      {flac, 7, "ends before the start", false},
+      {"nosuchprotocol://host/song", 0, "not installed", false},
+      {"http://127.0.0.1:1/song.mp3", 0, "cannot be", false},
+  };
+  for (const auto& [medium, start, error, readsSome] : cases) {
+    const Content content = Read(medium, {start, {}, {}});
+    EXPECT_THAT(content.error, HasSubstr(error)) << medium;
+    EXPECT_TRUE(content.error.starts_with(medium + ": ")) << content.error;
+    EXPECT_THAT(content.error, Not(HasSubstr("\n")));
+    EXPECT_EQ(!content.records.empty(), readsSome) << medium;
+  }
+}
+
+TEST(AudioReader, WaitingForAServerThatIsSilentCanBeGivenUp) {
+  const int server = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  ASSERT_EQ(bind(server, generic, size), 0);
+  ASSERT_EQ(listen(server, 4), 0);
+  ASSERT_EQ(getsockname(server, generic, &size), 0);
+  int asked = 0;
+  AudioReaderOptions options;
+  options.cancelled = [&] { return ++asked > 3; };
+  const std::string medium =
+      "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/stream.mp3";
+  EXPECT_EQ(Read(medium, options).error, medium + ": given up");
+  close(server);
+}
+
+} // namespace
+} // namespace halvenor

@@ -18,7 +18,7 @@ inline constexpr std::uint64_t kNanosecondsPerRecord = kDeliveryMilliseconds * 1
 
 /// The time of frame `index`, rounded down; exact for any length, since nothing is summed up.
 constexpr std::uint64_t TimeOfFrame(std::uint64_t index, FrameRate rate) {
-  __extension__ using Wide = unsigned __int128;
+  __extension__ typedef unsigned __int128 Wide;
   return static_cast<std::uint64_t>(Wide{index} * kNanosecondsPerSecond *
                                     static_cast<std::uint64_t>(rate.denominator) /
                                     static_cast<std::uint64_t>(rate.numerator));

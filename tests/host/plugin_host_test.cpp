@@ -1,0 +1,365 @@
+#include "host/plugin_host.h"
+#include "tests/host/scripted_plugin.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <dlfcn.h>
+#include <functional>
+#include <vector>
+
+namespace halvenor {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+ScriptedPlugin& Plugin() {
+  void* const handle = dlopen(SCRIPTED_PLUGIN, RTLD_NOW | RTLD_LOCAL);
+  return *reinterpret_cast<ScriptedPluginProc>(dlsym(handle, kScriptedPluginName))();
+}
+
+HostMessage Request() {
+  HostMessage message{};
+  message.majorVersion = kHostMessageMajorVersion;
+  message.minorVersion = kHostMessageMinorVersion;
+  message.size = sizeof message;
+  return message;
+}
+
+HostMessage Registration(VisualHandlerProc handler) {
+  HostMessage message = Request();
+  RegistrationBody& body = message.body.registration;
+  std::memcpy(body.name,
+              "\x04"
+              "Caf\x8E",
+              5);
+  body.options = kWantsIdleMessages;
+  body.creator = Code("hook");
+  body.handler = handler;
+  body.timeBetweenData = 50;
+  body.waveformChannels = 1;
+  body.spectrumChannels = 2;
+  body.minWidth = 64;
+  body.maxWidth = 32767;
+  body.minHeight = 65;
+  body.maxHeight = 32766;
+  return message;
+}
+
+/// A plug-in that registers, answers every message with 0, and notes what it got; and a host.
+class PluginHostTest : public testing::Test, public HostServices {
+protected:
+  PluginHostTest() {
+    script_.entry = [this](FourCharCode code, void* record) {
+      received_.push_back(code);
+      if (code != message::kInit) return status::kOk;
+      PluginInitMessage init;
+      std::memcpy(&init, record, sizeof init);
+      EXPECT_EQ(init.majorVersion, 10u);
+      EXPECT_EQ(init.minorVersion, 1u);
+      cookie_ = init.appCookie;
+      proc_ = init.appProc;
+      return register_();
+    };
+    register_ = [this] {
+      HostMessage message = Registration(Plugin().handler);
+      return proc_(cookie_, request::kRegisterVisualPlugin, &message);
+    };
+    script_.handler = [this](FourCharCode code, VisualMessage* record, void* refCon) {
+      received_.push_back(code);
+      last_ = *record;
+      if (code == message::kInit) {
+        record->init.refCon = &refConTarget_;
+      } else {
+        EXPECT_EQ(refCon, &refConTarget_);
+      }
+      return answer_(code);
+    };
+  }
+  ~PluginHostTest() override { script_ = {}; }
+
+  std::unique_ptr<PluginHost> MakeHost() {
+    const auto module = PluginModule::Load(SCRIPTED_PLUGIN, error_);
+    EXPECT_TRUE(module) << error_;
+    auto host = PluginHost::Create(*module, *this, error_);
+    return host;
+  }
+  std::unique_ptr<PluginHost> MakeActiveHost() {
+    auto host = MakeHost();
+    EXPECT_EQ(host->Init(), status::kOk);
+    received_.clear();
+    return host;
+  }
+
+  PreferenceStore& Preferences() override { return store_; }
+  Status SetFullScreen(bool fullScreen) override { return setFullScreen_(fullScreen); }
+  Status SetFullScreenOptions(const FullScreenOptions& options) override {
+    options_ = options;
+    return status::kOk;
+  }
+
+  PluginScript& script_ = Plugin().script;
+  std::function<Status()> register_;
+  std::function<Status(FourCharCode)> answer_ = [](FourCharCode) { return status::kOk; };
+  std::function<Status(bool)> setFullScreen_ = [](bool) { return status::kOk; };
+  void* cookie_ = nullptr;
+  HostProc proc_ = nullptr;
+  int refConTarget_ = 0;
+  std::vector<FourCharCode> received_; ///< by the entry and the handler
+  VisualMessage last_{};
+  MemoryPreferenceStore store_;
+  FullScreenOptions options_;
+  std::string error_;
+};
+
+TEST_F(PluginHostTest, TakesTheRegistration) {
+  const auto host = MakeHost();
+  ASSERT_TRUE(host) << error_;
+  const PluginRegistration& registration = host->Registration();
+  EXPECT_EQ(registration.name, "Café");
+  EXPECT_EQ(registration.creator, Code("hook"));
+  EXPECT_EQ(registration.options, kWantsIdleMessages);
+  EXPECT_EQ(registration.millisecondsBetweenData, 50u);
+  EXPECT_EQ(registration.waveformChannels, 1u);
+  EXPECT_EQ(registration.spectrumChannels, 2u);
+  EXPECT_EQ(registration.minWidth, 64);
+  EXPECT_EQ(registration.minHeight, 65);
+  EXPECT_EQ(registration.maxWidth, 32767);
+  EXPECT_EQ(registration.maxHeight, 32766);
+}
+
+TEST_F(PluginHostTest, RefusesPluginsThatDoNotRegister) {
+  const auto registerAs = [this](HostMessage message) {
+    EXPECT_EQ(proc_(cookie_, request::kRegisterVisualPlugin, &message), kBadRequestRecord);
+    return status::kOk; // as plug-ins do, whatever the host answered
+  };
+  HostMessage nameless = Registration(Plugin().handler);
+  nameless.body.registration.name[0] = 0;
+  const struct {
+    std::function<Status()> behaviour;
+    const char* error;
+  } cases[] = {
+      {[] { return status::kOk; }, "did not register"},
+      {[] { return Status{-7}; }, "status -7"},
+      {[&] { return registerAs(Registration(nullptr)); }, "did not register"},
+      {[&] { return registerAs(nameless); }, "did not register"},
+  };
+  for (const auto& [behaviour, error] : cases) {
+    register_ = behaviour;
+    EXPECT_FALSE(MakeHost());
+    EXPECT_THAT(error_, HasSubstr(error));
+  }
+}
+
+TEST_F(PluginHostTest, SendsEachMessageWithItsRecord) {
+  const auto host = MakeActiveHost();
+  HalvenorPort port{};
+  RenderVisualData data{};
+  TrackInfo track{};
+  StreamInfo stream{};
+  const auto expectWindow = [&] {
+    EXPECT_EQ(last_.window.port, &port);
+    const Rect rect = last_.window.drawRect;
+    EXPECT_EQ(std::memcmp(&rect, "\1\0\2\0\3\0\4\0", sizeof rect), 0);
+    EXPECT_EQ(std::uint32_t{last_.window.options}, kFullScreenOption);
+  };
+  const auto expectTrack = [&] {
+    EXPECT_EQ(last_.track.trackInfo, &track);
+    EXPECT_EQ(last_.track.streamInfo, &stream);
+  };
+  const auto nothing = [] {};
+  const struct {
+    FourCharCode code;
+    std::function<Status()> send;
+    std::function<void()> expect;
+  } cases[] = {
+      {message::kShow,
+       [&] {
+         return host->Show(&port, {1, 2, 3, 4}, kFullScreenOption);
+       },
+       expectWindow},
+      {message::kSetWindow,
+       [&] {
+         return host->SetWindow(&port, {1, 2, 3, 4}, kFullScreenOption);
+       },
+       expectWindow},
+      {message::kRenderData, [&] { return host->RenderData(&data, 77); },
+       [&] {
+         EXPECT_EQ(last_.render.renderData, &data);
+         EXPECT_EQ(std::uint32_t{last_.render.timeStampID}, 77u);
+       }},
+      {message::kPlay, [&] { return host->Play(&track, &stream); }, expectTrack},
+      {message::kChangeTrack, [&] { return host->ChangeTrack(&track, &stream); }, expectTrack},
+      {message::kPause, [&] { return host->Pause(); }, nothing},
+      {message::kUnpause, [&] { return host->Unpause(); }, nothing},
+      {message::kStop, [&] { return host->Stop(); }, nothing},
+      {message::kIdle, [&] { return host->Idle(); }, nothing},
+      {message::kHide, [&] { return host->Hide(); }, nothing},
+      {message::kCleanup, [&] { return host->Cleanup(); }, nothing},
+  };
+  answer_ = [](FourCharCode) { return Status{0}; };
+  for (const auto& [code, send, expect] : cases) {
+    received_.clear();
+    EXPECT_EQ(send(), status::kOk);
+    ASSERT_THAT(received_, ElementsAre(code));
+    expect();
+  }
+}
+
+TEST_F(PluginHostTest, SendsKeysAsEvents) {
+  const auto host = MakeActiveHost();
+  EventRecord event{};
+  Status used = status::kOk;
+  script_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
+    if (code == message::kEvent) event = *record->event.event;
+    return used;
+  };
+  EXPECT_TRUE(host->Key('c', false));
+  EXPECT_EQ(std::uint16_t{event.what}, kKeyDownEvent);
+  EXPECT_EQ(event.message & 0xFF, std::uint32_t{'c'});
+  used = status::kNotHandled;
+  EXPECT_FALSE(host->Key('\x8E', true));
+  EXPECT_EQ(std::uint16_t{event.what}, kKeyRepeatEvent);
+  EXPECT_EQ(event.message & 0xFF, 0x8Eu);
+}
+
+TEST_F(PluginHostTest, SendsNothingOutsideAnActivationNorWhatIsNotWanted) {
+  auto host = MakeHost();
+  received_.clear();
+  RenderVisualData data{};
+  EXPECT_EQ(host->RenderData(&data, 0), status::kNotHandled);
+  EXPECT_EQ(host->Hide(), status::kNotHandled);
+  EXPECT_EQ(host->Cleanup(), status::kOk);
+  host->Init();
+  EXPECT_EQ(host->Configure(), status::kNotHandled) << "not asked for when registering";
+  EXPECT_THAT(received_, ElementsAre(message::kInit));
+}
+
+TEST_F(PluginHostTest, EndsWhatHasBegun) {
+  HalvenorPort port{};
+  auto host = MakeActiveHost();
+  host->Show(&port, {}, 0);
+  host.reset();
+  EXPECT_THAT(received_, ElementsAre(message::kShow, message::kHide, message::kCleanup,
+                                     message::kCleanup)); // the handler's, then the entry's
+
+  host = MakeActiveHost();
+  answer_ = [](FourCharCode code) { return code == message::kShow ? Status{1001} : 0; };
+  EXPECT_EQ(host->Show(&port, {}, 0), 1001);
+  host.reset();
+  EXPECT_THAT(received_, ElementsAre(message::kShow, message::kCleanup, message::kCleanup));
+}
+
+TEST_F(PluginHostTest, AnActivationNeedsAPluginThatSetItselfUp) {
+  const struct {
+    Status answer;
+    bool setsUp;
+    bool activated;
+  } cases[] = {{0, true, true}, {0, false, true}, {-43, true, true}, {-108, false, false}};
+  for (const auto& [answer, setsUp, activated] : cases) {
+    const auto host = MakeHost();
+    script_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
+      if (code == message::kInit && setsUp) record->init.refCon = &refConTarget_;
+      return answer;
+    };
+    EXPECT_EQ(host->Init(), answer);
+    EXPECT_EQ(host->IsInitialised(), activated) << answer;
+  }
+}
+
+TEST_F(PluginHostTest, AnswersTheRequests) {
+  const auto host = MakeActiveHost();
+
+  std::uint32_t block[2] = {1, 2};
+  HostMessage message = Request();
+  message.body.pluginData = {block, sizeof block, 0};
+  EXPECT_EQ(proc_(cookie_, request::kSetPluginData, &message), status::kOk);
+  std::uint32_t readBack[3] = {};
+  message = Request();
+  message.body.pluginData = {readBack, sizeof readBack, 0};
+  EXPECT_EQ(proc_(cookie_, request::kGetPluginData, &message), status::kOk);
+  EXPECT_EQ(std::uint32_t{message.body.pluginData.sizeRead}, 8u);
+  EXPECT_EQ(readBack[1], 2u);
+
+  FileSpec spec;
+  message = Request();
+  message.body.fileSpec.fileSpec = &spec;
+  EXPECT_EQ(proc_(cookie_, request::kGetPluginFileSpec, &message), status::kOk);
+  const std::string file = std::filesystem::path(SCRIPTED_PLUGIN).filename();
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(spec.bytes) + 7, spec.bytes[6]), file);
+
+  std::vector<bool> switches;
+  setFullScreen_ = [&](bool on) {
+    switches.push_back(on);
+    return Status{-9};
+  };
+  message = Request();
+  message.body.fullScreen.fullScreen = 1;
+  EXPECT_EQ(proc_(cookie_, request::kSetFullScreen, &message), -9);
+  message.body.fullScreen.fullScreen = 0;
+  proc_(cookie_, request::kSetFullScreen, &message);
+  EXPECT_THAT(switches, ElementsAre(true, false));
+
+  message = Request();
+  message.body.fullScreenOptions = {16, 24, 32, 4464, -480};
+  EXPECT_EQ(proc_(cookie_, request::kSetFullScreenOptions, &message), status::kOk);
+  EXPECT_EQ(options_.minBitDepth, 16);
+  EXPECT_EQ(options_.maxBitDepth, 24);
+  EXPECT_EQ(options_.preferredBitDepth, 32);
+  EXPECT_EQ(options_.desiredWidth, 4464);
+  EXPECT_EQ(options_.desiredHeight, -480);
+}
+
+TEST_F(PluginHostTest, BearsBadRequests) {
+  const auto host = MakeActiveHost();
+  const auto with = [](const std::function<void(HostMessage&)>& change) {
+    HostMessage message = Request();
+    change(message);
+    return message;
+  };
+  struct {
+    FourCharCode code;
+    HostMessage message;
+    Status answer;
+  } cases[] = {
+      {Code("what"), Request(), status::kNotHandled},
+      {request::kRegisterVisualPlugin, Registration(Plugin().handler), kBadRequestRecord}, // again
+      {request::kGetPluginFileSpec, Request(), kBadRequestRecord},                         // null
+      {request::kGetPluginData, with([](auto& m) { m.body.pluginData.size = 4; }),
+       kBadRequestRecord},
+      {request::kSetPluginData, with([](auto& m) { m.body.pluginData.size = 4; }),
+       kBadRequestRecord},
+      {request::kSetFullScreen, with([](auto& m) { m.majorVersion = 9; }), kBadRequestRecord},
+      {request::kSetFullScreen, with([](auto& m) { m.size = sizeof m - 1; }), kBadRequestRecord},
+  };
+  for (auto& row : cases)
+    EXPECT_EQ(proc_(cookie_, row.code, &row.message), row.answer);
+  EXPECT_EQ(proc_(cookie_, request::kSetFullScreen, nullptr), kBadRequestRecord);
+  EXPECT_EQ(proc_(nullptr, request::kSetFullScreen, &cases[0].message), kBadRequestRecord);
+}
+
+// A host may well tear everything down while it answers.
+TEST_F(PluginHostTest, MessagesMayBeSentFromInsideAnAnswer) {
+  HalvenorPort port{};
+  auto host = MakeActiveHost();
+  host->Show(&port, {}, 0);
+  setFullScreen_ = [&](bool) {
+    host->SetWindow(&port, {}, 0);
+    return host->Cleanup();
+  };
+  answer_ = [&](FourCharCode code) {
+    HostMessage message = Request();
+    return code == message::kEvent ? proc_(cookie_, request::kSetFullScreen, &message) : 0;
+  };
+  EXPECT_TRUE(host->Key('c', false));
+  EXPECT_FALSE(host->IsShown());
+  host.reset();
+  EXPECT_THAT(received_, ElementsAre(message::kShow, message::kEvent, message::kSetWindow,
+                                     message::kHide, message::kCleanup, message::kCleanup));
+}
+
+} // namespace
+} // namespace halvenor

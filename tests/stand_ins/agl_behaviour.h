@@ -71,6 +71,9 @@ protected:
 TEST_F(AglBehaviour, MisfitsAreRefusedWithTheirError) {
   const GLint unknown[] = {AGL_RGBA, 4711, AGL_NONE};
   const GLint values[4] = {0, 0, 10, 10};
+  const GLint negative[4] = {0, 0, 10, -1};
+  HalvenorPort no_window{};
+  no_window.kind = kHalvenorPortX11Window;
   struct {
     const char* what;
     bool refused;
@@ -87,13 +90,16 @@ TEST_F(AglBehaviour, MisfitsAreRefusedWithTheirError) {
       {"update null", !aglUpdateContext(nullptr), aglGetError()},
       {"set unknown", !aglSetInteger(context_, 4711, values), aglGetError()},
       {"enable unknown", !aglEnable(context_, 4711), aglGetError()},
+      {"set without values", !aglSetInteger(context_, AGL_BUFFER_RECT, nullptr), aglGetError()},
+      {"set negative size", !aglSetInteger(context_, AGL_BUFFER_RECT, negative), aglGetError()},
+      {"no window", !aglSetDrawable(context_, &no_window), aglGetError()},
       {"swap elsewhere", (aglSwapBuffers(context_), true), aglGetError()},
       {"font elsewhere", !aglUseFont(context_, 1, 0, 9, 0, 256, 1), aglGetError()},
   };
-  const GLenum errors[] = {AGL_BAD_ATTRIBUTE, AGL_BAD_PIXELFORMAT, AGL_BAD_CONTEXT,
-                           AGL_BAD_CONTEXT,   AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT,
-                           AGL_BAD_CONTEXT,   AGL_BAD_CONTEXT,     AGL_BAD_ENUM,
-                           AGL_BAD_ENUM,      AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT};
+  const GLenum errors[] = {AGL_BAD_ATTRIBUTE, AGL_BAD_PIXELFORMAT, AGL_BAD_CONTEXT, AGL_BAD_CONTEXT,
+                           AGL_BAD_CONTEXT,   AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT, AGL_BAD_CONTEXT,
+                           AGL_BAD_ENUM,      AGL_BAD_ENUM,        AGL_BAD_VALUE,   AGL_BAD_VALUE,
+                           AGL_BAD_DRAWABLE,  AGL_BAD_CONTEXT,     AGL_BAD_CONTEXT};
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     EXPECT_TRUE(cases[i].refused) << cases[i].what;
     EXPECT_EQ(cases[i].error, errors[i]) << cases[i].what << ": " << Text(cases[i].error);
@@ -184,12 +190,25 @@ TEST_F(AglBehaviour, AFontFillsListsWithinItsLimits) {
   for (const GLint size : {1, 9, 512}) {
     EXPECT_TRUE(aglUseFont(context_, family, 0, size, 'A', 2, base)) << size;
   }
-  for (const GLint size : {-5, 0, 513, 1'000'000'000}) {
-    EXPECT_FALSE(aglUseFont(context_, family, 0, size, 0, 256, base)) << size;
-    EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_VALUE}) << size;
+  struct {
+    GLint family, style, size, first, count, base;
+    GLenum error;
+  } const refused[] = {
+      {family, 0, -5, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 0, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 513, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 1'000'000'000, 0, 256, base, AGL_BAD_FONT},
+      {family, 1, 9, 0, 256, base, AGL_BAD_FONT},
+      {0, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 9, -1, 2, base, AGL_BAD_VALUE},
+      {family, 0, 9, 255, 2, base, AGL_BAD_VALUE},
+      {family, 0, 9, 0, -1, base, AGL_BAD_VALUE},
+      {family, 0, 9, 0, 256, 0, AGL_BAD_VALUE},
+  };
+  for (const auto& c : refused) {
+    EXPECT_FALSE(aglUseFont(context_, c.family, c.style, c.size, c.first, c.count, c.base));
+    EXPECT_EQ(aglGetError(), c.error) << c.size << ' ' << c.first << ' ' << c.count;
   }
-  EXPECT_FALSE(aglUseFont(context_, 0, 0, 9, 0, 256, base));
-  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_FONT});
   glDeleteLists(lists, 256);
   EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }

@@ -207,9 +207,21 @@ bool ReadAttributes(const GLint* attributes, Line& line) {
   return attributes != nullptr;
 }
 
+bool IsDrawable(const HalvenorPort& port) {
+  switch (port.kind) {
+  case kHalvenorPortX11Window:
+    return port.x11Window != 0;
+  case kHalvenorPortWaylandSurface:
+    return port.waylandDisplay != nullptr && port.waylandSurface != nullptr;
+  case kHalvenorPortOffscreen:
+    return true;
+  }
+  return false;
+}
+
 // Only where the host's thread calls: in a frame the host may be changing the bounds.
 void FollowPort(AGLContext context) {
-  if (context->port != nullptr) context->port_bounds = context->port->bounds;
+  if (context->last_port != nullptr) context->port_bounds = context->last_port->bounds;
 }
 
 void HandOverFrame(HalvenorContext& context) {
@@ -348,11 +360,14 @@ GLboolean aglSetInteger(AGLContext context, GLenum parameter, const GLint* value
   }
   if (!MayGoOn(Function::aglSetInteger, context, fault)) return GL_FALSE;
   if (known == nullptr) return Refuse(AGL_BAD_ENUM);
-  if (values == nullptr) return Refuse(AGL_BAD_VALUE);
+  const bool negative =
+      parameter == AGL_BUFFER_RECT && values != nullptr && (values[2] < 0 || values[3] < 0);
+  if (values == nullptr || negative) return Refuse(AGL_BAD_VALUE);
   if (parameter == AGL_BUFFER_NAME) {
     context->buffer_name = values[0];
   } else {
     std::copy_n(values, 4, context->buffer_rect.begin());
+    FollowPort(context);
   }
   return GL_TRUE;
 }
@@ -375,11 +390,12 @@ GLboolean aglSetDrawable(AGLContext context, GrafPtr port) {
   const unsigned fault = Enter(Function::aglSetDrawable);
   Line(Function::aglSetDrawable) << context << port;
   if (!MayGoOn(Function::aglSetDrawable, context, fault)) return GL_FALSE;
-  context->port = port;
   if (port != nullptr && port != context->last_port) {
+    if (!IsDrawable(*port)) return Refuse(AGL_BAD_DRAWABLE);
     context->last_port = port;
-    FollowPort(context);
+    context->port_bounds = port->bounds;
   }
+  context->port = port;
   return GL_TRUE;
 }
 
@@ -445,8 +461,7 @@ GLboolean aglUseFont(AGLContext context, GLint family, GLint style, GLint size, 
   Line(Function::aglUseFont) << context << family << style << size << first << count << base;
   if (!MayGoOn(Function::aglUseFont, context, fault)) return GL_FALSE;
   if (ThisThread().current != context) return Refuse(AGL_BAD_CONTEXT);
-  if (family != kFontFamily) return Refuse(AGL_BAD_FONT);
-  const bool legal = style == 0 && size >= 1 && size <= 512 && first >= 0 && count >= 0 &&
-                     first <= 256 - count && base > 0;
+  if (family != kFontFamily || style != 0 || size < 1 || size > 512) return Refuse(AGL_BAD_FONT);
+  const bool legal = first >= 0 && count >= 0 && count <= 256 && first <= 256 - count && base > 0;
   return legal ? GLboolean{GL_TRUE} : Refuse(AGL_BAD_VALUE);
 }

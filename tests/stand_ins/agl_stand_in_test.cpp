@@ -1,5 +1,6 @@
 #include "platform/agl.h"
 #include "tests/stand_ins/agl_behaviour.h"
+#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <atomic>
@@ -30,7 +31,7 @@ protected:
 };
 
 TEST_F(AglStandInTest, ShowsCallsInOneSequenceWithThoseOfOpenGL) {
-  HalvenorPort port{};
+  HalvenorPort port = OffscreenPort(30, 40);
   const AGLContext context = MakeContext();
   const GLint rect[] = {1, 2, 30, 40};
   aglSetDrawable(context, &port);

@@ -1,5 +1,6 @@
 #include "platform/agl.h"
 #include "tests/stand_ins/allocation_counter.h"
+#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <array>
@@ -108,7 +109,7 @@ TEST_F(GlRecorderTest, TellsCallsThatOpenGLWouldNotTake) {
 
 TEST_F(GlRecorderTest, SilenceRecordsAndAllocatesNothingButCountsOn) {
   const std::array<float, 4> numbers = {0, 1, 2, 3};
-  HalvenorPort port{};
+  HalvenorPort port = OffscreenPort(30, 40);
   SetSilent(true);
   const std::uint64_t before = AllocationsOfThisThread();
   for (int i = 0; i < 10; ++i) {

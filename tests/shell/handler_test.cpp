@@ -45,7 +45,7 @@ TEST_F(Handler, EveryMessageSetsTheRecordPointerFirst) {
   VisualMessage none{};
   int anything = 0;
   EXPECT_EQ(VisualPluginHandler(Code("what"), &none, &anything), status::kNotHandled);
-  EXPECT_EQ(static_cast<void*>(visualPluginData), &anything);
+  EXPECT_EQ(LastReference(), &anything);
   // A record that is not one is not used; nor is a message that is not there.
   for (const FourCharCode code : {message::kRenderData, message::kPlay, message::kEvent})
     EXPECT_EQ(VisualPluginHandler(code, &none, &anything), status::kNotHandled);
@@ -54,7 +54,7 @@ TEST_F(Handler, EveryMessageSetsTheRecordPointerFirst) {
   EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, &anything), 0);
   EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, nullptr), 0);
   EXPECT_EQ(host_.Send(message::kIdle), 0);
-  EXPECT_EQ(visualPluginData, host_.Record());
+  EXPECT_EQ(LastReference(), host_.Record());
 }
 
 TEST_F(Handler, PlayShowsALineForEachRecord) {

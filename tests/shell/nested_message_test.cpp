@@ -72,7 +72,7 @@ TEST_F(NestedMessages, TheRegistrationAndInitAnswerInside) {
   TestHost other;
   other.inside[request::kGetPluginFileSpec] = [this] { host_.Send(message::kIdle); };
   EXPECT_EQ(other.Init(), 0);
-  EXPECT_EQ(visualPluginData, other.Record()); // not the one that the inner message brought
+  EXPECT_EQ(LastReference(), other.Record()); // not the one that the inner message brought
 }
 
 TEST_F(NestedMessages, TheGuardTakesTheLockUnlessItsThreadHasIt) {

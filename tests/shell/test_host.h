@@ -2,6 +2,7 @@
 #pragma once
 
 #include "protocol/visual_plugin_data.h"
+#include "shell/plugin_state.h"
 #include "shell/registration.h"
 
 #include <algorithm>
@@ -16,6 +17,12 @@ extern "C" halvenor::Status iTunesPluginMainMachO(halvenor::FourCharCode message
                                                   void* refCon);
 
 namespace halvenor {
+
+/// What the last message brought as its reference constant.
+inline void* LastReference() {
+  const MessageScope lock;
+  return visualPluginData;
+}
 
 class TestHost {
 public:

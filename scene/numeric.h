@@ -1,14 +1,15 @@
 // Conversions that every value survives.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <limits>
 
 namespace halvenor {
 
 /// `value` truncated toward zero; beyond the type's range its nearest end, 0 for NaN.
-inline std::int32_t TruncateToInt32(float value) {
-  constexpr float kLimit = 2147483648.0F; // 2^31, exact
+std::int32_t TruncateToInt32(std::floating_point auto value) {
+  constexpr decltype(value) kLimit = 2147483648.0F; // 2^31, exact
   if (value >= kLimit) return std::numeric_limits<std::int32_t>::max();
   if (value <= -kLimit) return std::numeric_limits<std::int32_t>::min();
   return value == value ? static_cast<std::int32_t>(value) : 0;

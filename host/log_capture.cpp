@@ -41,6 +41,7 @@ void LogCapture::Receive(void* refCon, std::string_view message) {
   const std::scoped_lock lock(self->mutex_);
   if (self->echo_ == Echo::StandardError)
     std::fprintf(stderr, "%s: %s\n", self->program_.c_str(), line.c_str());
+  if (!self->lines_.empty() && self->lines_.back() == line) return;
   self->lines_.push_back(std::move(line));
   if (self->lines_.size() > kMaxLines) self->lines_.pop_front();
 }

@@ -20,8 +20,8 @@ public:
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
 
-  /// The messages since the last call, oldest first, UTF-8, joined by "; ". When there were very
-  /// many only the last ones are left. Any thread.
+  /// The messages since the last call, oldest first, UTF-8, joined by "; ". Of one that was
+  /// repeated only the first is there, and of very many only the last ones are. Any thread.
   std::string TakeText();
 
 private:

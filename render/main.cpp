@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -151,10 +152,12 @@ int Main(int argc, const char* const* argv) {
   const StopSignals stopSignals;
   const int frames = TakeStandardOutput();
   std::string error;
-  {
+  try {
     Run run(options);
     if (run.Open(frames) && run.Perform() && run.Finish()) return 0;
     error = run.Error();
+  } catch (const std::bad_alloc&) {
+    error = "there is not enough memory for frames of this size";
   }
   if (const int signal = StopSignals::Arrived()) return kSignalBase + signal;
   return Fail(kFailure, error);

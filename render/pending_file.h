@@ -17,7 +17,7 @@ public:
   /// On failure returns nothing and leaves one line in `error`.
   static std::optional<PendingFile> Create(const std::filesystem::path& target, std::string& error);
   /// Takes over an open descriptor, which errors call `name`; it is written to directly.
-  static PendingFile Adopt(int fd, const std::string& name) { return {fd, name, name}; }
+  static PendingFile Adopt(int fd, const std::string& name) { return {fd, name, {}, {}}; }
   ~PendingFile();
   PendingFile(PendingFile&& other) noexcept;
   PendingFile& operator=(PendingFile&& other) noexcept;
@@ -31,22 +31,23 @@ public:
 
   /// Open for reading and writing, owned by this object.
   [[nodiscard]] int Descriptor() const { return fd_; }
-  /// The name it is to get, links resolved.
-  [[nodiscard]] const std::filesystem::path& Target() const { return target_; }
+  /// The name that was asked for, for messages.
+  [[nodiscard]] const std::string& Name() const { return name_; }
   /// Where the bytes go until `Commit`.
   [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
 
 private:
-  PendingFile(int fd, std::filesystem::path target, std::filesystem::path path)
-      : fd_(fd), target_(std::move(target)), path_(std::move(path)) {}
+  PendingFile(int fd, std::string name, std::filesystem::path target, std::filesystem::path path)
+      : fd_(fd), name_(std::move(name)), target_(std::move(target)), path_(std::move(path)) {}
   [[nodiscard]] bool IsTemporary() const { return path_ != target_; }
 
   int fd_; ///< -1: committed or moved from
-  std::filesystem::path target_;
+  std::string name_;
+  std::filesystem::path target_; ///< `name_` with links resolved
   std::filesystem::path path_;
 };
 
 /// "cannot write NAME: the reason that `errorNumber` stands for".
-std::string CannotWrite(const std::filesystem::path& name, int errorNumber);
+std::string CannotWrite(const std::string& name, int errorNumber);
 
 } // namespace halvenor::render

@@ -48,9 +48,12 @@ std::string Numbered(const std::string& pattern, std::uint64_t number) {
 class PictureOutput : public Output {
 public:
   explicit PictureOutput(const Options& options)
-      : width_(options.width), height_(options.height), frame_(FrameBytes(options)) {}
+      : width_(options.width), height_(options.height), frameBytes_(FrameBytes(options)) {}
 
-  std::span<std::uint8_t> NextFrame() override { return frame_; }
+  std::span<std::uint8_t> NextFrame() override {
+    frame_.resize(frameBytes_);
+    return frame_;
+  }
 
 protected:
   // Writes the frame into `file`, without its alpha: what was drawn is all there is to see.
@@ -69,15 +72,16 @@ protected:
     if (stream && png_image_write_to_stdio(&image, stream.get(), 0, opaque_.data(), 0, nullptr) &&
         std::fflush(stream.get()) == 0)
       return true;
-    error_ = errno != 0 ? CannotWrite(file.Target(), errno)
-                        : "cannot write " + file.Target().string() + ": " + image.message;
+    error_ = errno != 0 ? CannotWrite(file.Name(), errno)
+                        : "cannot write " + file.Name() + ": " + image.message;
     return false;
   }
 
 private:
   const int width_;
   const int height_;
-  std::vector<std::uint8_t> frame_;
+  const std::size_t frameBytes_;
+  std::vector<std::uint8_t> frame_; ///< empty before the first frame
   std::vector<std::uint8_t> opaque_;
 };
 

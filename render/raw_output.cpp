@@ -13,15 +13,19 @@ namespace {
 class RawOutput final : public Output {
 public:
   RawOutput(PendingFile file, std::size_t frameBytes)
-      : file_(std::move(file)), frame_(frameBytes) {}
+      : file_(std::move(file)), frameBytes_(frameBytes) {}
 
-  std::span<std::uint8_t> NextFrame() override { return frame_; }
+  std::span<std::uint8_t> NextFrame() override {
+    frame_.resize(frameBytes_);
+    return frame_;
+  }
   bool FinishFrame() override { return file_.Write(std::as_bytes(std::span(frame_)), error_); }
   bool Finish() override { return file_.Commit(error_); }
 
 private:
   PendingFile file_;
-  std::vector<std::uint8_t> frame_;
+  const std::size_t frameBytes_;
+  std::vector<std::uint8_t> frame_; ///< empty before the first frame
 };
 
 } // namespace

@@ -125,14 +125,14 @@ bool VideoOutput::Fail(GstMessage* message) {
   const std::unique_ptr<GError, gst_media::ReleasedBy<g_error_free>> problem(raw);
   const gst_media::Text details(rawDetails);
   if (g_error_matches(raw, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT))
-    return Fail(CannotWrite(file_.Target(), ENOSPC));
+    return Fail(CannotWrite(file_.Name(), ENOSPC));
   // The file's own errors say why on the last line of the details.
   std::string reason = raw->message;
   if (raw->domain == GST_RESOURCE_ERROR && details) {
     const std::string_view all(details.get());
     reason = all.substr(all.rfind('\n') + 1);
   }
-  return Fail("cannot write " + file_.Target().string() + ": " + reason);
+  return Fail("cannot write " + file_.Name() + ": " + reason);
 }
 
 // The muxers would write the present time, and identifiers from GLib's random numbers.
@@ -161,7 +161,7 @@ bool VideoOutput::Start(bool hasSound) {
                                         GST_PARSE_FLAG_FATAL_ERRORS, &raw));
   const std::unique_ptr<GError, gst_media::ReleasedBy<g_error_free>> problem(raw);
   if (!pipeline_)
-    return Fail("cannot encode " + file_.Target().string() + ": " + problem->message +
+    return Fail("cannot encode " + file_.Name() + ": " + problem->message +
                 " (a GStreamer plug-in is missing)");
   bus_.reset(gst_element_get_bus(pipeline_.get()));
   frames_.reset(gst_bin_get_by_name(GST_BIN(pipeline_.get()), "frames"));
@@ -259,7 +259,7 @@ bool VideoOutput::Finish() {
   if (!WaitForEnd()) return false;
   gst_element_set_state(pipeline_.get(), GST_STATE_NULL); // closes the file
   if (options_.outputKind == OutputKind::Mp4 && !ClearMp4Times(file_.Descriptor()))
-    return Fail(CannotWrite(file_.Target(), errno));
+    return Fail(CannotWrite(file_.Name(), errno));
   return file_.Commit(error_);
 }
 

@@ -1,0 +1,68 @@
+// Any 116 bytes are a legal stored block: the real module draws with them and stays in time.
+#include "tests/plugin/offscreen_plugin.h"
+
+#include <limits>
+#include <random>
+
+namespace halvenor {
+namespace {
+
+constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+
+using Log = OffscreenPlugin::Log;
+
+void DrawWith(const Settings& settings, Log log = Log::MustBeEmpty) {
+  OffscreenPlugin plugin(settings, 64, 64, log);
+  plugin.DeliverFlat(200, 100, 20);
+  plugin.Step(2);
+}
+
+// A size that no font has is tried again, and reported, at the next opening: the size belongs to
+// the process.
+void ForgetFontSize() {
+  DrawWith(DefaultSettings(), Log::MayComplain);
+}
+
+TEST(HostileSettings, EveryFieldAtItsExtremes) {
+  for (const SettingField& field : SettingFields()) {
+    const bool real = field.type == SettingType::Real || field.type == SettingType::Color;
+    for (int extreme = 0; extreme < 5; ++extreme) {
+      Settings settings = DefaultSettings();
+      constexpr float kReals[] = {std::numeric_limits<float>::quiet_NaN(),
+                                  std::numeric_limits<float>::infinity(),
+                                  -std::numeric_limits<float>::infinity(), 3e38F, 1e-45F};
+      constexpr std::int32_t kIntegers[] = {kMost, kLeast, -5, 1000000000, 0};
+      const void* value = real ? static_cast<const void*>(&kReals[extreme])
+                               : static_cast<const void*>(&kIntegers[extreme]);
+      std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, value, 4);
+      SCOPED_TRACE(field.name);
+      const bool isFontSize = field.name == "fontSize";
+      DrawWith(settings, isFontSize ? Log::MayComplain : Log::MustBeEmpty);
+      if (isFontSize) ForgetFontSize();
+    }
+  }
+}
+
+TEST(HostileSettings, AMillionLinesEnd) {
+  Settings settings = DefaultSettings();
+  settings.numLines = 1e6F;
+  settings.numFrequencyLabels = kMost;
+  DrawWith(settings);
+}
+
+TEST(HostileSettings, RandomBlocks) {
+  std::minstd_rand random(11);
+  for (int i = 0; i < 10; ++i) {
+    Settings settings;
+    auto* bytes = reinterpret_cast<unsigned char*>(&settings);
+    for (std::size_t k = 0; k < sizeof settings; ++k)
+      bytes[k] = static_cast<unsigned char>(random() >> 8);
+    settings.settingsVersion = kSettingsVersion;
+    DrawWith(settings, Log::MayComplain);
+  }
+  ForgetFontSize();
+}
+
+} // namespace
+} // namespace halvenor

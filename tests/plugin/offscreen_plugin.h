@@ -1,0 +1,126 @@
+// The real module, loaded as a host would, drawing into memory on a stepped clock.
+#pragma once
+
+#include "host/install_paths.h"
+#include "host/log_capture.h"
+#include "host/plugin_host.h"
+#include "platform/clock.h"
+#include "protocol/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace halvenor {
+
+class OffscreenPlugin : private HostServices {
+public:
+  /// Whether lines in the debug log are a failure.
+  enum class Log { MustBeEmpty, MayComplain };
+
+  OffscreenPlugin(const Settings& settings, int width, int height, Log log = Log::MustBeEmpty)
+      : width_(width), height_(height), logMode_(log) {
+    preferences_.Write("Halvenor", std::as_bytes(std::span(&settings, 1)));
+    port_.kind = kHalvenorPortOffscreen;
+    port_.bounds = {0, 0, static_cast<std::int16_t>(height), static_cast<std::int16_t>(width)};
+    port_.frameFinished = TakeFrame;
+    port_.frameRefCon = this;
+    clock::UseStepped(1000000000);
+    std::string error;
+    const auto module = PluginModule::Load(InstalledPluginPath(), error);
+    if (module) host_ = PluginHost::Create(*module, *this, error);
+    EXPECT_TRUE(host_) << error;
+    EXPECT_EQ(host_->Init(), status::kOk);
+    EXPECT_EQ(host_->Show(&port_, port_.bounds, 0), status::kOk) << log_.TakeText();
+    clock::WaitUntilParked();
+  }
+  ~OffscreenPlugin() override {
+    host_->Hide();
+    EXPECT_EQ(clock::Step(clock::Now() + 1), clock::StepResult::NoFrame);
+    host_->Cleanup();
+    clock::UseRealTime();
+    const std::string lines = log_.TakeText();
+    EXPECT_TRUE(logMode_ == Log::MayComplain || lines.empty()) << lines;
+  }
+
+  void ShowAgain() {
+    EXPECT_EQ(host_->Hide(), status::kOk);
+    EXPECT_EQ(host_->Show(&port_, port_.bounds, 0), status::kOk);
+    clock::WaitUntilParked();
+  }
+  void SetRect(const Rect& rect) { EXPECT_EQ(host_->SetWindow(&port_, rect, 0), status::kOk); }
+
+  /// Delivers `times` records with every bin of a channel at one magnitude.
+  void DeliverFlat(std::uint8_t left, std::uint8_t right, int times) {
+    const auto record = std::make_unique<RenderVisualData>();
+    record->numSpectrumChannels = 2;
+    std::memset(record->spectrum[0], left, kSamplesPerChannel);
+    std::memset(record->spectrum[1], right, kSamplesPerChannel);
+    for (int i = 0; i < times; ++i)
+      host_->RenderData(record.get(), 0);
+  }
+
+  void Step(int frames = 1) {
+    for (int i = 0; i < frames; ++i) {
+      const int before = frames_;
+      EXPECT_EQ(clock::Step(clock::Now() + 1000000000 / 60), clock::StepResult::Frame);
+      EXPECT_EQ(frames_, before + 1);
+    }
+  }
+
+  /// Whether the pixel (from the top left) shows anything, in the last frame.
+  [[nodiscard]] bool IsLit(int x, int y) const {
+    const std::uint8_t* pixel = &pixels_[static_cast<std::size_t>(4 * (y * width_ + x))];
+    return pixel[0] + pixel[1] + pixel[2] > 6;
+  }
+  /// First and last lit row of a column, or {-1, -1}.
+  [[nodiscard]] std::array<int, 2> LitRows(int x) const {
+    std::array<int, 2> rows = {-1, -1};
+    for (int y = 0; y < height_; ++y) {
+      if (!IsLit(x, y)) continue;
+      if (rows[0] < 0) rows[0] = y;
+      rows[1] = y;
+    }
+    return rows;
+  }
+  [[nodiscard]] int LitPixels(int left, int top, int right, int bottom) const {
+    int lit = 0;
+    for (int y = top; y < bottom; ++y)
+      for (int x = left; x < right; ++x)
+        lit += IsLit(x, y) ? 1 : 0;
+    return lit;
+  }
+
+private:
+  PreferenceStore& Preferences() override { return preferences_; }
+  Status SetFullScreen(bool) override { return status::kOk; }
+  Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
+
+  static void TakeFrame(void* refCon, const HalvenorFrame* frame) {
+    auto& self = *static_cast<OffscreenPlugin*>(refCon);
+    EXPECT_EQ(frame->width, self.width_);
+    EXPECT_EQ(frame->height, self.height_);
+    const auto row = static_cast<std::size_t>(4 * frame->width);
+    self.pixels_.resize(row * static_cast<std::size_t>(frame->height));
+    for (int y = 0; y < frame->height; ++y)
+      std::memcpy(&self.pixels_[row * static_cast<std::size_t>(y)],
+                  frame->topRow + y * frame->stride, row);
+    ++self.frames_;
+  }
+
+  int width_;
+  int height_;
+  Log logMode_;
+  LogCapture log_{LogCapture::Echo::Off, "plugin_tests"};
+  MemoryPreferenceStore preferences_;
+  HalvenorPort port_{};
+  std::unique_ptr<PluginHost> host_;
+  std::vector<std::uint8_t> pixels_;
+  int frames_ = 0;
+};
+
+} // namespace halvenor

@@ -23,8 +23,10 @@ using gst_media::Caps;
 using gst_media::Element;
 using gst_media::Message;
 
-// The number of encoder threads is fixed: it decides about the bytes.
-constexpr const char* kH264 = "x264enc pass=qual quantizer=18 speed-preset=faster threads=4 ! "
+// The number of encoder threads is fixed, since it decides about the bytes; with a rate buffer so
+// would their timing.
+constexpr const char* kH264 = "x264enc pass=qual quantizer=18 speed-preset=faster threads=4 "
+                              "vbv-buf-capacity=0 ! "
                               "video/x-h264,profile=high ! h264parse";
 constexpr const char* kVp9 = "vp9enc deadline=1 cpu-used=6 threads=4 row-mt=true "
                              "end-usage=cq cq-level=24 target-bitrate=20000000";
@@ -36,11 +38,13 @@ struct Format {
   const char* muxer;
   const char* video;
   const char* sound;
+  /// What the sound encoder puts before its sound without saying so in the file, frames.
+  std::size_t soundDelay;
 };
 constexpr Format kFormats[] = {
-    {OutputKind::Mp4, "mp4mux", kH264, kAac},
-    {OutputKind::WebM, "webmmux", kVp9, kOpus},
-    {OutputKind::Matroska, "matroskamux", kH264, kOpus},
+    {OutputKind::Mp4, "mp4mux", kH264, kAac, 1024},
+    {OutputKind::WebM, "webmmux", kVp9, kOpus, 0},
+    {OutputKind::Matroska, "matroskamux", kH264, kOpus, 0},
 };
 
 // How far the frames may be ahead of their encoder.
@@ -71,7 +75,7 @@ public:
   VideoOutput(const Options& options, PendingFile file)
       : options_(options), frameBytes_(FrameBytes(options)),
         maxAhead_(std::clamp(kMaxAheadBytes / frameBytes_, std::size_t{2}, kMaxAheadFrames)),
-        file_(std::move(file)) {}
+        file_(std::move(file)), soundToSkip_(FormatOf(options.outputKind).soundDelay) {}
   ~VideoOutput() override;
 
   bool Start(bool hasSound);
@@ -86,7 +90,7 @@ private:
   bool Fail(GstMessage* message);
   bool WaitForRoom();
   bool WaitForEnd();
-  void MakeRepeatable();
+  void FixCreationTime();
   bool MakePool(GstCaps* caps);
 
   const Options options_;
@@ -101,6 +105,7 @@ private:
   GstBuffer* frame_ = nullptr; ///< being filled in, mapped as `map_`
   GstMapInfo map_{};
   std::uint64_t frameCount_ = 0;
+  std::size_t soundToSkip_;
   std::uint64_t soundFrames_ = 0;
 };
 
@@ -135,9 +140,8 @@ bool VideoOutput::Fail(GstMessage* message) {
   return Fail("cannot write " + file_.Name() + ": " + reason);
 }
 
-// The muxers would write the present time, and identifiers from GLib's random numbers.
-void VideoOutput::MakeRepeatable() {
-  g_random_set_seed(1);
+// The muxers would write the present time.
+void VideoOutput::FixCreationTime() {
   const Element muxer(gst_bin_get_by_name(GST_BIN(pipeline_.get()), "muxer"));
   if (!g_object_class_find_property(G_OBJECT_GET_CLASS(muxer.get()), "creation-time")) return;
   GDateTime* const fixed = g_date_time_new_utc(2001, 1, 1, 0, 0, 0);
@@ -156,6 +160,7 @@ bool VideoOutput::MakePool(GstCaps* caps) {
 bool VideoOutput::Start(bool hasSound) {
   if (!gst_media::Start(error_)) return false;
   const Format& format = FormatOf(options_.outputKind);
+  g_random_set_seed(1); // some muxers name their tracks by random numbers as they are made
   GError* raw = nullptr;
   pipeline_.reset(gst_parse_launch_full(Describe(format, hasSound).c_str(), nullptr,
                                         GST_PARSE_FLAG_FATAL_ERRORS, &raw));
@@ -182,7 +187,7 @@ bool VideoOutput::Start(bool hasSound) {
   const Element file(gst_bin_get_by_name(GST_BIN(pipeline_.get()), "file"));
   g_object_set(file.get(), "location", file_.Path().c_str(), nullptr);
   if (!MakePool(pictures.get())) return Fail("no memory for frames of this size");
-  MakeRepeatable();
+  FixCreationTime();
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   return true;
 }
@@ -222,6 +227,10 @@ bool VideoOutput::FinishFrame() {
 }
 
 bool VideoOutput::Sound(std::span<const float> sound) {
+  // An encoder's delay is made up for at the start, where it takes the place of as much sound.
+  const std::size_t skipped = std::min(soundToSkip_, sound.size() / 2);
+  soundToSkip_ -= skipped;
+  sound = sound.subspan(2 * skipped);
   if (!sound_ || sound.empty()) return true;
   GstBuffer* const buffer = gst_buffer_new_allocate(nullptr, sound.size_bytes(), nullptr);
   if (!buffer) return Fail("no memory for the sound");

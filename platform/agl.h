@@ -10,9 +10,9 @@
 #include "platform/export.h"
 #include "platform/ports.h"
 
-#include <stdint.h>
-
 #include <GL/gl.h>
+
+#include <stdint.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -20,6 +20,7 @@ extern "C" {
 
 typedef struct HalvenorPixelFormat* AGLPixelFormat;
 typedef struct HalvenorContext* AGLContext;
+typedef struct HalvenorPBuffer* AGLPbuffer;
 
 /// Pixel format attributes and context parameters.
 enum {
@@ -88,6 +89,29 @@ HALVENOR_PLATFORM GLboolean aglUpdateContext(AGLContext context);
 /// Shows what was drawn: in the port's window, or to the offscreen port's callback. Never waits
 /// for the display's refresh nor for a hidden window. The context must be current.
 HALVENOR_PLATFORM void aglSwapBuffers(AGLContext context);
+
+/// Makes an offscreen colour buffer of `internalFormat` (GL_RGBA) for textures of `target`
+/// (GL_TEXTURE_2D) with levels 0 to `maxLevel` (0), on the context that is current. False, with
+/// null in `pbuffer`, when the driver cannot draw into such a buffer. The caller owns it and
+/// releases it with `aglDestroyPBuffer` while the same context is current; null is an error without
+/// effect.
+HALVENOR_PLATFORM GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target,
+                                             GLenum internalFormat, GLint maxLevel,
+                                             AGLPbuffer* pbuffer);
+HALVENOR_PLATFORM GLboolean aglDestroyPBuffer(AGLPbuffer pbuffer);
+
+/// Makes the texture that is bound to GL_TEXTURE_2D show the buffer's `source` (GL_FRONT) from now
+/// on, without copying. The texture must live as long as the buffer is drawn into.
+HALVENOR_PLATFORM GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer,
+                                               GLint source);
+
+/// Makes `context` current and directs its drawing to `pbuffer` (which shows in a texture already)
+/// until it is directed elsewhere. `aglSwapBuffers` then completes the drawing and shows nothing in
+/// the port. Texturing from a buffer while drawing into it is undefined.
+HALVENOR_PLATFORM GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face,
+                                          GLint level, GLint screen);
+/// The screen argument for `aglSetPBuffer`.
+HALVENOR_PLATFORM GLint aglGetVirtualScreen(AGLContext context);
 
 /// The pending error of this thread, which it clears; and a text for any code (static).
 HALVENOR_PLATFORM GLenum aglGetError(void);

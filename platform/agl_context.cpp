@@ -100,6 +100,7 @@ GLenum HalvenorContext::Unrealise() {
     if (!Bind(EGL_NO_SURFACE)) return AGL_BAD_CONTEXT;
     buffer_ = RenderTarget();
     nowhere_ = RenderTarget();
+    pbuffer_ = nullptr;
     presenter_.reset();
     if (before != nullptr && before != this)
       before->MakeCurrent();
@@ -132,9 +133,25 @@ GLenum HalvenorContext::Attach(GrafPtr port) {
     ReadBounds();
   }
   port_ = port;
+  pbuffer_ = nullptr;
   if (Current() != this) return AGL_NO_ERROR;
   const GLenum error = UsePort();
   return error != AGL_NO_ERROR ? error : UseBuffer();
+}
+
+GLenum HalvenorContext::Attach(const RenderTarget& pbuffer) {
+  // The port is left alone: its faults are told when it is attached again.
+  if (const GLenum error = BindSomeSurface(); error != AGL_NO_ERROR) return error;
+  port_ = nullptr;
+  pbuffer_ = &pbuffer;
+  Rebind();
+  return AGL_NO_ERROR;
+}
+
+void HalvenorContext::Forget(const RenderTarget& pbuffer) {
+  if (pbuffer_ != &pbuffer) return;
+  pbuffer_ = nullptr;
+  Rebind();
 }
 
 GLenum HalvenorContext::SetBufferRect(const GLint* values) {
@@ -161,12 +178,8 @@ GLenum HalvenorContext::UsePort() {
 }
 
 GLenum HalvenorContext::UseBuffer() {
-  if (port_ == nullptr) {
-    nowhere_.Bind();
-    return AGL_NO_ERROR;
-  }
   GLenum error = AGL_NO_ERROR;
-  if (const Size wanted = BufferSize(); wanted != triedSize_) {
+  if (const Size wanted = BufferSize(); port_ != nullptr && wanted != triedSize_) {
     triedSize_ = wanted;
     nowhere_.Bind();
     // The old buffer goes first, so that both never need memory at once.
@@ -174,21 +187,27 @@ GLenum HalvenorContext::UseBuffer() {
     buffer_ = RenderTarget::Make(wanted, depth_);
     if (!buffer_ && !wanted.IsEmpty()) error = AGL_NO_BUFFER;
   }
-  (buffer_ ? buffer_ : nowhere_).Bind();
+  Rebind();
   return error;
 }
 
+void HalvenorContext::Rebind() const {
+  const RenderTarget* const target = port_ != nullptr ? &buffer_ : pbuffer_;
+  (target != nullptr && *target ? *target : nowhere_).Bind();
+}
+
+GLenum HalvenorContext::BindSomeSurface() {
+  if (Current() == this) return AGL_NO_ERROR;
+  if (handle_ == EGL_NO_CONTEXT) return Realise();
+  const EGLSurface surface = presenter_ ? presenter_->Surface() : EGL_NO_SURFACE;
+  // Without its window, a context is still needed to draw and to clean up.
+  if (!Bind(surface) && (surface == EGL_NO_SURFACE || !Bind(EGL_NO_SURFACE)))
+    return AGL_BAD_CONTEXT;
+  return AGL_NO_ERROR;
+}
+
 GLenum HalvenorContext::MakeCurrent() {
-  if (Current() != this) {
-    if (handle_ == EGL_NO_CONTEXT) {
-      if (const GLenum error = Realise(); error != AGL_NO_ERROR) return error;
-    } else {
-      const EGLSurface surface = presenter_ ? presenter_->Surface() : EGL_NO_SURFACE;
-      // Without its window, a context is still needed to draw and to clean up.
-      if (!Bind(surface) && (surface == EGL_NO_SURFACE || !Bind(EGL_NO_SURFACE)))
-        return AGL_BAD_CONTEXT;
-    }
-  }
+  if (const GLenum error = BindSomeSurface(); error != AGL_NO_ERROR) return error;
   const GLenum error = UsePort();
   const GLenum bufferError = UseBuffer();
   return error != AGL_NO_ERROR ? error : bufferError;

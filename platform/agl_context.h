@@ -13,8 +13,9 @@ struct HalvenorPixelFormat {
 };
 
 /// What the plug-in takes for a drawable's back buffer is a frame buffer object of the buffer
-/// rectangle's size; a presenter of the port's kind shows it. While no port is attached, or its
-/// buffer cannot be made, drawing goes to a target of one pixel that is never shown.
+/// rectangle's size; a presenter of the port's kind shows it. A pbuffer takes the port's place
+/// until a port is attached again. While nothing is attached, or the port's buffer cannot be made,
+/// drawing goes to a target of one pixel that is never shown.
 ///
 /// Members return the error that the C functions leave pending. Threads: see agl.h.
 struct HalvenorContext {
@@ -30,6 +31,13 @@ public:
   static void LetGo();
 
   GLenum Attach(GrafPtr port);
+  /// Makes the context current and directs drawing to `pbuffer`, a target of this context's that
+  /// stays alive until drawing is directed elsewhere or `Forget` is called.
+  GLenum Attach(const halvenor::agl::RenderTarget& pbuffer);
+  /// Directs drawing to nothing if `pbuffer` is what it is directed to. The context is current.
+  void Forget(const halvenor::agl::RenderTarget& pbuffer);
+  /// Binds what drawing is directed to, after another target was bound. The context is current.
+  void Rebind() const;
   GLenum SetBufferRect(const GLint* values);
   void UseBufferRect() { usesRect_ = true; }
   GLenum MakeCurrent();
@@ -42,13 +50,15 @@ public:
 private:
   GLenum Realise();
   bool Bind(EGLSurface surface);
+  GLenum BindSomeSurface();
   GLenum UsePort();
   GLenum UseBuffer();
   void ReadBounds();
   [[nodiscard]] halvenor::agl::Size BufferSize() const;
 
   bool depth_;
-  GrafPtr port_ = nullptr;     ///< what drawing is directed to
+  GrafPtr port_ = nullptr; ///< what drawing is directed to, unless it is `pbuffer_`
+  const halvenor::agl::RenderTarget* pbuffer_ = nullptr; ///< only while `port_` is null
   GrafPtr lastPort_ = nullptr; ///< the port attached last; `bounds_`, `presenter_` belong to it
   halvenor::agl::Size bounds_; ///< copied when the host's thread calls: a frame may not look
   GLint rectX_ = 0;

@@ -17,6 +17,10 @@ bool IsWithinLimits(Size size) {
   return size.width <= std::min(side, viewport[0]) && size.height <= std::min(side, viewport[1]);
 }
 
+bool IsComplete() {
+  return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+}
+
 GLuint AddBuffer(GLenum attachment, GLenum format, Size size) {
   GLuint buffer = 0;
   glGenRenderbuffers(1, &buffer);
@@ -74,7 +78,7 @@ RenderTarget RenderTarget::Make(Size size, bool depth) {
   target.Bind();
   target.color_ = AddBuffer(GL_COLOR_ATTACHMENT0, GL_RGBA8, size);
   if (depth) target.depth_ = AddBuffer(GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24, size);
-  if (glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE) {
+  if (IsComplete()) {
     Clear();
     return target;
   }
@@ -82,6 +86,22 @@ RenderTarget RenderTarget::Make(Size size, bool depth) {
   target = RenderTarget();
   DropErrors();
   return target;
+}
+
+bool RenderTarget::ShowInBoundTexture() {
+  GLint texture = 0;
+  glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, size_.width, size_.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+               nullptr);
+  Bind();
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                         static_cast<GLuint>(texture), 0);
+  glDeleteRenderbuffers(1, &color_);
+  color_ = 0;
+  if (IsComplete()) return true;
+  DropErrors();
+  return false;
 }
 
 void RenderTarget::Bind() const {

@@ -1,4 +1,4 @@
-// The frame buffer object that the plug-in draws into.
+// The frame buffer objects that the plug-in draws into.
 #pragma once
 
 #include <GL/gl.h>
@@ -29,6 +29,11 @@ public:
   explicit operator bool() const { return frameBuffer_ != 0; }
   [[nodiscard]] Size GetSize() const { return size_; }
   [[nodiscard]] GLuint Name() const { return frameBuffer_; }
+
+  /// Gives the texture bound to GL_TEXTURE_2D this target's size and makes it the colour buffer.
+  /// The picture is undefined until it is cleared. Leaves the target bound. False when the driver
+  /// cannot do it; then nothing can be drawn here.
+  [[nodiscard]] bool ShowInBoundTexture();
 
   /// Directs drawing and reading here.
   void Bind() const;

@@ -1,0 +1,85 @@
+// The functions of agl.h that concern offscreen buffers.
+#include "platform/agl.h"
+#include "platform/agl_context.h"
+#include "platform/agl_errors.h"
+#include "platform/render_target.h"
+
+#include <memory>
+#include <new>
+#include <utility>
+
+using halvenor::agl::RenderTarget;
+using halvenor::agl::Report;
+using halvenor::agl::Size;
+
+struct HalvenorPBuffer {
+  HalvenorContext* context; ///< on which it was made
+  RenderTarget target;
+  bool isShown = false; ///< a texture is its colour buffer
+};
+
+namespace {
+
+/// What keeps `pbuffer` from being used on `context`, where it has to have been made.
+GLenum FaultOf(AGLContext context, AGLPbuffer pbuffer) {
+  if (context == nullptr) return AGL_BAD_CONTEXT;
+  if (pbuffer == nullptr) return AGL_BAD_VALUE;
+  return pbuffer->context == context ? AGL_NO_ERROR : AGL_BAD_CONTEXT;
+}
+
+bool FitsTexture(GLint width, GLint height) {
+  GLint side = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
+  return width <= side && height <= side;
+}
+
+} // namespace
+
+GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target, GLenum internalFormat,
+                           GLint maxLevel, AGLPbuffer* pbuffer) {
+  if (pbuffer == nullptr) return Report(AGL_BAD_VALUE);
+  *pbuffer = nullptr;
+  HalvenorContext* const context = HalvenorContext::Current();
+  if (context == nullptr) return Report(AGL_BAD_CONTEXT);
+  if (target != GL_TEXTURE_2D || internalFormat != GL_RGBA) return Report(AGL_BAD_ENUM);
+  if (width < 1 || height < 1 || maxLevel != 0) return Report(AGL_BAD_VALUE);
+  if (!FitsTexture(width, height)) return Report(AGL_NO_BUFFER);
+  // Its first colour buffer is replaced by the texture; it shows that the driver can do it.
+  RenderTarget made = RenderTarget::Make({width, height}, false);
+  context->Rebind();
+  if (!made) return Report(AGL_NO_BUFFER);
+  *pbuffer = new (std::nothrow) HalvenorPBuffer{context, std::move(made)};
+  return Report(*pbuffer != nullptr ? AGL_NO_ERROR : AGL_NO_BUFFER);
+}
+
+GLboolean aglDestroyPBuffer(AGLPbuffer pbuffer) {
+  if (const GLenum fault = FaultOf(HalvenorContext::Current(), pbuffer); fault != AGL_NO_ERROR)
+    return Report(fault);
+  pbuffer->context->Forget(pbuffer->target);
+  delete pbuffer;
+  return GL_TRUE;
+}
+
+GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer, GLint source) {
+  if (const GLenum fault = FaultOf(context, pbuffer); fault != AGL_NO_ERROR) return Report(fault);
+  if (HalvenorContext::Current() != context) return Report(AGL_BAD_CONTEXT);
+  if (source != GL_FRONT) return Report(AGL_BAD_ENUM);
+  GLint texture = 0;
+  glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
+  if (texture == 0) return Report(AGL_BAD_VALUE);
+  pbuffer->isShown = pbuffer->target.ShowInBoundTexture();
+  context->Rebind();
+  return Report(pbuffer->isShown ? AGL_NO_ERROR : AGL_NO_BUFFER);
+}
+
+GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face, GLint level,
+                        GLint screen) {
+  if (const GLenum fault = FaultOf(context, pbuffer); fault != AGL_NO_ERROR) return Report(fault);
+  if (face != 0 || level != 0 || screen != 0 || !pbuffer->isShown) return Report(AGL_BAD_VALUE);
+  return Report(context->Attach(pbuffer->target));
+}
+
+GLint aglGetVirtualScreen(AGLContext context) {
+  Report(context != nullptr ? AGL_NO_ERROR : AGL_BAD_CONTEXT);
+  return 0;
+}

@@ -13,10 +13,15 @@ constexpr std::int64_t kLongestGap = 40 * GST_MSECOND;
 
 AnalysisTap::AnalysisTap(GstAppSink* sink)
     : analyser_([this](const AnalysedSound& analysed) { Keep(analysed); }) {
+  const std::scoped_lock lock(analysing_);
   GstAppSinkCallbacks callbacks{};
   callbacks.new_sample = OnSample;
   callbacks.eos = OnEnd;
   gst_app_sink_set_callbacks(sink, &callbacks, this, nullptr);
+}
+
+AnalysisTap::~AnalysisTap() {
+  const std::scoped_lock lock(analysing_, mutex_);
 }
 
 GstFlowReturn AnalysisTap::OnSample(GstAppSink* sink, void* self) {
@@ -26,11 +31,14 @@ GstFlowReturn AnalysisTap::OnSample(GstAppSink* sink, void* self) {
 }
 
 void AnalysisTap::OnEnd(GstAppSink* /*sink*/, void* self) {
-  static_cast<AnalysisTap*>(self)->analyser_.Flush();
+  auto* tap = static_cast<AnalysisTap*>(self);
+  const std::scoped_lock lock(tap->analysing_);
+  tap->analyser_.Flush();
 }
 
 /// A jump in the medium's time begins a new count of records.
 void AnalysisTap::Analyse(GstSample* sample) {
+  const std::scoped_lock lock(analysing_);
   const std::int64_t expected = origin_ + pushed_ * GST_SECOND / kAnalysisRate;
   const std::int64_t time = gst_media::StreamTime(sample).value_or(expected);
   if (!anchored_ || std::abs(time - expected) > kLongestGap) {

@@ -19,6 +19,7 @@ namespace halvenor {
 class AnalysisTap {
 public:
   explicit AnalysisTap(GstAppSink* sink);
+  ~AnalysisTap();
   AnalysisTap(const AnalysisTap&) = delete;
   AnalysisTap& operator=(const AnalysisTap&) = delete;
 
@@ -37,6 +38,8 @@ private:
   void Analyse(GstSample* sample);
   void Keep(const AnalysedSound& analysed);
 
+  // Held wherever the analyser is used: sound comes on one thread at a time, but not on one alone.
+  std::mutex analysing_;
   Analyser analyser_;
   bool anchored_ = false;
   std::int64_t origin_ = 0; // time of the analyser's first frame

@@ -11,8 +11,6 @@
 namespace halvenor {
 namespace {
 
-constexpr double kBinHertz = kAnalysisRate / 512.0;
-
 struct Kept {
   RenderVisualData record;
   std::vector<float> sound;

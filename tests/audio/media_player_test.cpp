@@ -129,6 +129,15 @@ TEST_F(MediaPlayerTest, AMediumIsToldFromItsStartToItsEnd) {
   ASSERT_TRUE(host.PollUntilRecords(20)) << "played again from its start";
 }
 
+// With an audio device as well as on a machine that has none.
+TEST_F(MediaPlayerTest, TheDefaultDeviceIsThereOrReplaced) {
+  Host host("");
+  host.player.Open(folder.Write("hush.flac", "flacenc", ToneAt(9, 0.3)));
+  ASSERT_TRUE(host.PollUntilStopped());
+  EXPECT_THAT(host.told, ElementsAre("started hush", "ended"));
+  EXPECT_EQ(host.records, 6);
+}
+
 TEST_F(MediaPlayerTest, APauseStopsTheRecordsAndNothingIsLost) {
   Host host(kSilentSink);
   host.player.Open(folder.Write("tone.wav", "wavenc", ToneAt(0, 1)));

@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace halvenor::agl_behaviour {
@@ -177,6 +179,144 @@ TEST_F(AglBehaviour, DestroyingTheCurrentContextLetsGoOfIt) {
   ASSERT_TRUE(aglSetCurrentContext(context_));
   aglSwapBuffers(context_);
   EXPECT_EQ(frames_.size(), 1U);
+}
+
+/// A pbuffer of the current context with the texture that shows it, gone at the end of its scope,
+/// where the context has to be current.
+class ShownPBuffer {
+public:
+  explicit ShownPBuffer(AGLContext context, GLint width = 16, GLint height = 16) {
+    EXPECT_TRUE(aglCreatePBuffer(width, height, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    EXPECT_TRUE(aglTexImagePBuffer(context, pbuffer, GL_FRONT));
+  }
+  ~ShownPBuffer() { Destroy(); }
+  ShownPBuffer(const ShownPBuffer&) = delete;
+  ShownPBuffer& operator=(const ShownPBuffer&) = delete;
+
+  void Destroy() {
+    if (pbuffer == nullptr) return;
+    EXPECT_TRUE(aglDestroyPBuffer(std::exchange(pbuffer, nullptr)));
+    glDeleteTextures(1, &texture);
+  }
+
+  AGLPbuffer pbuffer = nullptr;
+  GLuint texture = 0;
+};
+
+TEST_F(AglBehaviour, MisfittingPBuffersAreRefusedWithTheirError) {
+  AGLPbuffer none = nullptr;
+  EXPECT_FALSE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, &none));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_CONTEXT}) << "with nothing current";
+  AGLContext second = aglCreateContext(format_, nullptr);
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+
+  struct {
+    GLint width, height;
+    GLenum target, format;
+    GLint level;
+    GLenum error;
+  } const creations[] = {
+      {8, 8, GL_TEXTURE_1D, GL_RGBA, 0, AGL_BAD_ENUM},
+      {8, 8, GL_TEXTURE_2D, GL_RGB, 0, AGL_BAD_ENUM},
+      {0, 8, GL_TEXTURE_2D, GL_RGBA, 0, AGL_BAD_VALUE},
+      {8, -1, GL_TEXTURE_2D, GL_RGBA, 0, AGL_BAD_VALUE},
+      {8, 8, GL_TEXTURE_2D, GL_RGBA, 1, AGL_BAD_VALUE},
+      {1 << 20, 8, GL_TEXTURE_2D, GL_RGBA, 0, AGL_NO_BUFFER},
+      {8, 1 << 20, GL_TEXTURE_2D, GL_RGBA, 0, AGL_NO_BUFFER},
+  };
+  for (const auto& c : creations) {
+    none = reinterpret_cast<AGLPbuffer>(this); // anything but null
+    EXPECT_FALSE(aglCreatePBuffer(c.width, c.height, c.target, c.format, c.level, &none));
+    EXPECT_EQ(none, nullptr);
+    EXPECT_EQ(aglGetError(), c.error) << c.width << ' ' << c.height << ' ' << c.level;
+  }
+  EXPECT_FALSE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, nullptr));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_VALUE});
+
+  ShownPBuffer shown(context_);
+  AGLPbuffer hidden = nullptr;
+  ASSERT_TRUE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, &hidden));
+  glBindTexture(GL_TEXTURE_2D, 0);
+  struct {
+    const char* what;
+    bool refused;
+    GLenum error, expected;
+  } const uses[] = {
+      {"no texture", !aglTexImagePBuffer(context_, hidden, GL_FRONT), aglGetError(), AGL_BAD_VALUE},
+      {"back", !aglTexImagePBuffer(context_, hidden, GL_BACK), aglGetError(), AGL_BAD_ENUM},
+      {"texture of null", !aglTexImagePBuffer(context_, nullptr, GL_FRONT), aglGetError(),
+       AGL_BAD_VALUE},
+      {"not shown", !aglSetPBuffer(context_, hidden, 0, 0, 0), aglGetError(), AGL_BAD_VALUE},
+      {"null", !aglSetPBuffer(context_, nullptr, 0, 0, 0), aglGetError(), AGL_BAD_VALUE},
+      {"null context", !aglSetPBuffer(nullptr, shown.pbuffer, 0, 0, 0), aglGetError(),
+       AGL_BAD_CONTEXT},
+      {"other context", !aglSetPBuffer(second, shown.pbuffer, 0, 0, 0), aglGetError(),
+       AGL_BAD_CONTEXT},
+      {"face", !aglSetPBuffer(context_, shown.pbuffer, 1, 0, 0), aglGetError(), AGL_BAD_VALUE},
+      {"level", !aglSetPBuffer(context_, shown.pbuffer, 0, 1, 0), aglGetError(), AGL_BAD_VALUE},
+      {"destroy null", !aglDestroyPBuffer(nullptr), aglGetError(), AGL_BAD_VALUE},
+      {"destroy elsewhere", (aglSetCurrentContext(nullptr), !aglDestroyPBuffer(shown.pbuffer)),
+       aglGetError(), AGL_BAD_CONTEXT},
+  };
+  for (const auto& use : uses) {
+    EXPECT_TRUE(use.refused) << use.what;
+    EXPECT_EQ(use.error, use.expected) << use.what << ": " << Text(use.error);
+  }
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+  EXPECT_TRUE(aglDestroyPBuffer(hidden));
+  shown.Destroy();
+  EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+  EXPECT_TRUE(aglDestroyContext(second));
+}
+
+TEST_F(AglBehaviour, OnlyTheAttachedPortIsShown) {
+  ASSERT_TRUE(aglSetCurrentContext(context_));
+  ShownPBuffer buffers[] = {ShownPBuffer(context_), ShownPBuffer(context_)};
+  const auto swap = [this] {
+    aglSwapBuffers(context_);
+    return std::exchange(frames_, {}).size();
+  };
+  EXPECT_EQ(swap(), 1U) << "making pbuffers does not direct drawing to them";
+  for (int frame = 0; frame < 4; ++frame) {
+    EXPECT_TRUE(
+        aglSetPBuffer(context_, buffers[frame % 2].pbuffer, 0, 0, aglGetVirtualScreen(context_)));
+    EXPECT_EQ(swap(), 0U);
+    EXPECT_TRUE(aglSetCurrentContext(context_));
+    EXPECT_TRUE(aglUpdateContext(context_));
+    EXPECT_EQ(swap(), 0U) << "still the pbuffer";
+    EXPECT_TRUE(aglSetDrawable(context_, nullptr));
+    EXPECT_EQ(swap(), 0U);
+    EXPECT_TRUE(aglSetDrawable(context_, &port_));
+    EXPECT_EQ(swap(), 1U);
+  }
+
+  // Handed over between threads at each kind of target.
+  EXPECT_TRUE(aglSetPBuffer(context_, buffers[0].pbuffer, 0, 0, 0));
+  EXPECT_TRUE(aglSetCurrentContext(nullptr));
+  std::thread([&] {
+    EXPECT_TRUE(aglSetCurrentContext(context_));
+    EXPECT_EQ(swap(), 0U) << "the target goes with the context";
+    EXPECT_TRUE(aglSetDrawable(context_, &port_));
+    EXPECT_TRUE(aglSetCurrentContext(nullptr));
+  }).join();
+  EXPECT_TRUE(aglSetPBuffer(context_, buffers[1].pbuffer, 0, 0, 0)) << "makes it current";
+  EXPECT_EQ(swap(), 0U);
+  EXPECT_TRUE(aglSetCurrentContext(nullptr));
+  EXPECT_TRUE(aglSetDrawable(context_, &port_));
+  EXPECT_TRUE(aglSetCurrentContext(context_));
+  EXPECT_EQ(swap(), 1U);
+
+  EXPECT_TRUE(aglSetPBuffer(context_, buffers[1].pbuffer, 0, 0, 0));
+  buffers[1].Destroy();
+  EXPECT_TRUE(aglSetCurrentContext(context_));
+  EXPECT_EQ(swap(), 0U) << "not the port by itself";
+  EXPECT_TRUE(aglSetPBuffer(context_, buffers[0].pbuffer, 0, 0, 0)) << "the other one goes on";
+  EXPECT_EQ(swap(), 0U);
+  EXPECT_TRUE(aglSetDrawable(context_, &port_));
+  EXPECT_EQ(swap(), 1U);
+  EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
 TEST_F(AglBehaviour, AFontFillsListsWithinItsLimits) {

@@ -1,10 +1,8 @@
 #include "tests/stand_ins/agl_stand_in.h"
 
-#include "platform/agl.h"
-#include "tests/stand_ins/recording.h"
+#include "tests/stand_ins/agl_objects.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -16,21 +14,6 @@ using halvenor::stand_ins::Function;
 struct HalvenorPixelFormat {
   int number = 0;
   std::atomic<bool> destroyed{false};
-};
-
-// Plain members are the ones that the caller has to serialise; the thread sanitizer sees whether
-// it does. The others serve the checks.
-struct HalvenorContext {
-  int number = 0;
-  std::atomic<bool> destroyed{false};
-  std::atomic<int> current_on{0}; // number of a thread, 0: none
-  GrafPtr port = nullptr;
-  GrafPtr last_port = nullptr;
-  Rect port_bounds{};
-  std::array<GLint, 4> buffer_rect{};
-  bool buffer_rect_enabled = false;
-  GLint buffer_name = 0;
-  std::vector<std::uint8_t> frame;
 };
 
 namespace halvenor::stand_ins {
@@ -81,6 +64,26 @@ ThreadState& ThisThread() {
   return state;
 }
 
+bool Usable(Function function, AGLContext context) {
+  if (context == nullptr) return false;
+  if (context->destroyed.load(std::memory_order_relaxed)) {
+    ReportContextMisuse(function, context, "was destroyed before");
+    return false;
+  }
+  const int thread = context->current_on.load(std::memory_order_relaxed);
+  if (thread != 0 && thread != ThisThread().number) {
+    ReportContextMisuse(function, context, "is current on another thread");
+    return false;
+  }
+  return true;
+}
+
+} // namespace
+
+AGLContext CurrentContext() {
+  return ThisThread().current;
+}
+
 void LeaveError(GLenum error) {
   GLenum& pending = ThisThread().error;
   if (pending == AGL_NO_ERROR) pending = error;
@@ -96,21 +99,6 @@ void ReportContextMisuse(Function function, const HalvenorContext* context, cons
                " " + what);
 }
 
-bool Usable(Function function, AGLContext context) {
-  if (context == nullptr) return false;
-  if (context->destroyed.load(std::memory_order_relaxed)) {
-    ReportContextMisuse(function, context, "was destroyed before");
-    return false;
-  }
-  const int thread = context->current_on.load(std::memory_order_relaxed);
-  if (thread != 0 && thread != ThisThread().number) {
-    ReportContextMisuse(function, context, "is current on another thread");
-    return false;
-  }
-  return true;
-}
-
-// Null contexts, spent ones and injected faults, for every function that takes a context.
 bool MayGoOn(Function function, AGLContext context, unsigned fault) {
   const bool usable = Usable(function, context);
   if (fault != 0 || !usable) LeaveError(fault != 0 ? fault : GLenum{AGL_BAD_CONTEXT});
@@ -134,41 +122,18 @@ int NumberOf(GrafPtr port) {
   return number;
 }
 
-// Puts the arguments of one call together.
-class Line {
-public:
-  explicit Line(Function function) : function_(function), recording_(Recording()) {}
-  ~Line() {
-    if (recording_) Record(function_, parts_, std::move(arguments_));
+void Switch(Function function, AGLContext context) {
+  ThreadState& thread = ThisThread();
+  if (thread.current != nullptr) thread.current->current_on.store(0, std::memory_order_relaxed);
+  thread.current = context;
+  int nobody = 0;
+  if (context != nullptr && !context->current_on.compare_exchange_strong(
+                                nobody, thread.number, std::memory_order_relaxed)) {
+    ReportContextMisuse(function, context, "is current on another thread");
   }
-  Line(const Line&) = delete;
-  Line& operator=(const Line&) = delete;
+}
 
-  Line& operator<<(GLint number) { return recording_ ? Add(NumberText(number), number) : *this; }
-  Line& operator<<(AGLContext context) { return Handle("context ", context); }
-  Line& operator<<(AGLPixelFormat format) { return Handle("format ", format); }
-  Line& operator<<(GrafPtr port) { return Handle("port ", port); }
-  Line& Named(const char* name, GLint value) { return recording_ ? Add(name, value) : *this; }
-
-private:
-  template <class T>
-  Line& Handle(const char* what, T handle) {
-    if (!recording_) return *this;
-    const int number = NumberOf(handle);
-    return Add(number == 0 ? "null" : what + std::to_string(number), number);
-  }
-
-  Line& Add(std::string part, double argument) {
-    parts_.push_back(std::move(part));
-    arguments_.push_back(argument);
-    return *this;
-  }
-
-  Function function_;
-  bool recording_;
-  std::vector<std::string> parts_;
-  std::vector<double> arguments_;
-};
+namespace {
 
 struct Attribute {
   GLint name;
@@ -279,6 +244,7 @@ void ResetAgl() {
   objects.contexts.clear();
   objects.formats.clear();
   objects.ports.clear();
+  ResetPBuffers();
 }
 
 } // namespace halvenor::stand_ins
@@ -339,7 +305,11 @@ GLboolean aglDestroyContext(AGLContext context) {
   const unsigned fault = Enter(Function::aglDestroyContext);
   Line(Function::aglDestroyContext) << context;
   if (!MayGoOn(Function::aglDestroyContext, context, fault)) return GL_FALSE;
+  if (context->live_pbuffers.load(std::memory_order_relaxed) != 0) {
+    ReportContextMisuse(Function::aglDestroyContext, context, "still has pbuffers");
+  }
   if (ThisThread().current == context) ThisThread().current = nullptr;
+  ForgetGlState();
   context->current_on.store(0, std::memory_order_relaxed);
   context->destroyed.store(true, std::memory_order_relaxed);
   live_contexts.fetch_sub(1, std::memory_order_relaxed);
@@ -396,25 +366,19 @@ GLboolean aglSetDrawable(AGLContext context, GrafPtr port) {
     context->port_bounds = port->bounds;
   }
   context->port = port;
+  context->pbuffer = nullptr;
+  context->target_destroyed = false;
   return GL_TRUE;
 }
 
 GLboolean aglSetCurrentContext(AGLContext context) {
   const unsigned fault = Enter(Function::aglSetCurrentContext);
   Line(Function::aglSetCurrentContext) << context;
-  ThreadState& thread = ThisThread();
   if (context == nullptr ? fault != 0 : !MayGoOn(Function::aglSetCurrentContext, context, fault)) {
     if (fault != 0) LeaveError(fault);
     return GL_FALSE;
   }
-  if (thread.current != nullptr) thread.current->current_on.store(0, std::memory_order_relaxed);
-  thread.current = context;
-  if (context == nullptr) return GL_TRUE;
-  int nobody = 0;
-  if (!context->current_on.compare_exchange_strong(nobody, thread.number,
-                                                   std::memory_order_relaxed)) {
-    ReportContextMisuse(Function::aglSetCurrentContext, context, "is current on another thread");
-  }
+  Switch(Function::aglSetCurrentContext, context);
   return GL_TRUE;
 }
 

@@ -1,13 +1,13 @@
 // The stand-in for the context layer: every function of platform/agl.h, without any graphics.
 //
 // Contexts, drawables, current contexts and pending errors behave as platform/agl.h promises. A
-// swap hands an offscreen port a frame of zeros. `GetFNum` knows one family, `kFontFamily`, which
-// it gives for every name; `aglUseFont` leaves the lists empty.
+// swap hands an offscreen port a frame of zeros, unless a pbuffer is the target. `GetFNum` knows
+// one family, `kFontFamily`, which it gives for every name; `aglUseFont` leaves the lists empty.
 //
 // Faults by `Fail`: no format ("aglChoosePixelFormat"), no context ("aglCreateContext", or
 // "aglSetCurrentContext" with `AGL_NO_OPENGL`, where the real layer fails), no buffer
-// ("aglUpdateContext", `AGL_NO_BUFFER`), no font ("aglUseFont", `AGL_BAD_FONT`; a failing "GetFNum"
-// gives family 0 and leaves no error).
+// ("aglUpdateContext", "aglCreatePBuffer" or "aglTexImagePBuffer", `AGL_NO_BUFFER`), no font
+// ("aglUseFont", `AGL_BAD_FONT`; a failing "GetFNum" gives family 0 and leaves no error).
 #pragma once
 
 #include <cstdint>
@@ -19,6 +19,7 @@ inline constexpr std::int16_t kFontFamily = 7;
 /// Objects that were made and not destroyed.
 [[nodiscard]] std::int64_t LiveContexts();
 [[nodiscard]] std::int64_t LivePixelFormats();
+[[nodiscard]] std::int64_t LivePBuffers();
 
 /// The number of the context that is current on the calling thread (as in recorded calls), or 0.
 [[nodiscard]] int CurrentContextNumber();

@@ -25,11 +25,11 @@ struct Entry {
 };
 
 #define HALVENOR_GL_ENTRY(arity, name, kinds) Entry{#name},
-#define HALVENOR_AGL_ENTRY(name) Entry{#name},
+#define HALVENOR_PLATFORM_ENTRY(name) Entry{#name},
 Entry entries[] = {HALVENOR_GL_FUNCTIONS(HALVENOR_GL_ENTRY)
-                       HALVENOR_AGL_FUNCTIONS(HALVENOR_AGL_ENTRY)};
+                       HALVENOR_PLATFORM_FUNCTIONS(HALVENOR_PLATFORM_ENTRY)};
 #undef HALVENOR_GL_ENTRY
-#undef HALVENOR_AGL_ENTRY
+#undef HALVENOR_PLATFORM_ENTRY
 
 std::atomic<bool> silent{false};
 
@@ -169,6 +169,7 @@ std::vector<std::string> Misuses() {
 void Reset() {
   ResetAgl(); // first: it may find misuses
   ResetGl();
+  ResetBundle();
   SetSilent(false);
   for (Entry& entry : entries) {
     entry.hook = nullptr;

@@ -1,5 +1,5 @@
-// What the stand-ins for OpenGL and for the context layer have in common: one log of the calls in
-// their order, faults, hooks and the list of misuses.
+// What the stand-ins for OpenGL, for the context layer and for bundles have in common: one log of
+// the calls in their order, faults, hooks and the list of misuses.
 //
 // A suite links `halvenor_gl_stand_ins` instead of the real libraries. Functions are named by their
 // C names ("glEnable", "aglSwapBuffers", "GetFNum"); a name that no stand-in has ends the program.
@@ -25,9 +25,9 @@ struct Vertex {
 struct Call {
   std::string_view function; ///< "glColor4f"
   /// "glColor4f(1, 1, 1, 0.5)". Numbers have six digits; known enumerants go by their names
-  /// ("glEnable(GL_BLEND)"), contexts, formats and ports are numbered in the order in which they
-  /// were made or first seen ("aglSetDrawable(context 1, port 1)"), other pointers are "null" or
-  /// "pointer".
+  /// ("glEnable(GL_BLEND)"), contexts, formats, pbuffers and ports are numbered in the order in
+  /// which they were made or first seen ("aglSetDrawable(context 1, port 1)"), names to delete and
+  /// strings are shown, other pointers are "null" or "pointer".
   std::string text;
   /// The arguments as they came: a number each, contexts, formats and ports by their number (0 for
   /// null), and each integer of a list that an argument points at.
@@ -66,11 +66,13 @@ void OnCall(std::string_view function, std::function<void()> hook);
 /// Uses that the real libraries do not promise to survive, one line each: OpenGL without a current
 /// context, a call that is not allowed between glBegin and glEnd, a context that is current on two
 /// threads, used after its end, destroyed while another thread has it or left current by a thread
-/// that ended, a vertex array that is not there.
+/// that ended or destroyed while it has pbuffers, a vertex array that is not there, names and
+/// pbuffers that are not there any more, a pbuffer drawn into while it is textured from, or after
+/// its end.
 [[nodiscard]] std::vector<std::string> Misuses();
 
-/// Everything as at the start: no calls, faults, hooks, misuses, errors, contexts or formats; not
-/// silent; nothing current on the calling thread. Only while no other thread uses the stand-ins.
+/// Everything as at the start: no calls, faults, hooks, misuses, errors or objects; not silent;
+/// nothing current on the calling thread. Only while no other thread uses the stand-ins.
 void Reset();
 
 } // namespace halvenor::stand_ins

@@ -1,16 +1,13 @@
 #define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/gl_recorder.h"
 
-#include "tests/stand_ins/agl_stand_in.h"
+#include "tests/stand_ins/gl_effects.h"
 #include "tests/stand_ins/recording.h"
 
-#include <GL/gl.h>
+#include <GL/glext.h>
+#include <GL/glu.h>
 
-#include <atomic>
 #include <cstdio>
-#include <cstring>
-#include <deque>
-#include <mutex>
 #include <span>
 #include <tuple>
 #include <type_traits>
@@ -60,140 +57,41 @@ std::string ArgumentText(char kind, double value) {
   const auto number = [value] { return static_cast<GLenum>(value); };
   switch (kind) {
   case 'e':
-    return NameIn(kEnumerants, number());
+    return EnumerantText(number());
   case 'b':
     return NameIn(kBlendFactors, number());
   case 'p':
     return NameIn(kPrimitives, number());
   case 'm':
     return MaskText(number());
-  case '*':
-    return value == 0 ? "null" : "pointer";
   default:
     return NumberText(value);
   }
 }
 
-template <class Argument>
-double AsNumber(Argument argument) {
-  if constexpr (std::is_pointer_v<Argument>) {
-    return argument == nullptr ? 0.0 : 1.0;
-  } else {
-    return static_cast<double>(argument);
-  }
-}
+// The arguments of one call as they are recorded.
+struct Shown {
+  std::vector<std::string> parts;
+  std::vector<double> numbers;
 
-// ---- The little state that OpenGL has here ----
-
-struct InterleavedArrays {
-  std::atomic<GLenum> format{0};
-  std::atomic<GLsizei> stride{0};
-  std::atomic<const void*> pointer{nullptr};
-};
-InterleavedArrays interleaved;
-
-std::atomic<GLuint> next_list{1};
-std::atomic<std::int64_t> live_lists{0};
-
-std::atomic<std::size_t> error_count{0}; // so that reading no error takes no lock
-std::mutex error_mutex;
-std::deque<GLenum> errors;
-
-thread_local bool between_begin_and_end = false;
-
-void ReportGlMisuse(Function function, const char* what) {
-  ReportMisuse(std::string(NameOf(function)) + " " + what);
-}
-
-bool AllowedBetweenBeginAndEnd(const char* name) {
-  for (const char* prefix : {"glVertex", "glColor", "glTexCoord", "glCallList", "glEnd"}) {
-    if (std::strncmp(name, prefix, std::strlen(prefix)) == 0) return true;
-  }
-  return false;
-}
-
-void CheckUse(Function function) {
-  if (CurrentContextNumber() == 0) ReportGlMisuse(function, "without a current context");
-  if (between_begin_and_end && !AllowedBetweenBeginAndEnd(NameOf(function))) {
-    ReportGlMisuse(function, "between glBegin and glEnd");
-  }
-}
-
-std::vector<Vertex> DrawnVertices(GLint first, GLsizei count) {
-  const auto* base = static_cast<const unsigned char*>(interleaved.pointer.load());
-  if (interleaved.format != GL_V2F || base == nullptr) {
-    ReportGlMisuse(Function::glDrawArrays, "without a GL_V2F array");
-    return {};
-  }
-  if (first < 0 || count < 0) {
-    ReportGlMisuse(Function::glDrawArrays, "of a negative range");
-    return {};
-  }
-  const GLsizei stride =
-      interleaved.stride == 0 ? GLsizei{sizeof(Vertex)} : interleaved.stride.load();
-  std::vector<Vertex> vertices(static_cast<std::size_t>(count));
-  for (GLsizei i = 0; i < count; ++i) {
-    std::memcpy(&vertices[static_cast<std::size_t>(i)],
-                base + static_cast<std::ptrdiff_t>(first + i) * stride, sizeof(Vertex));
-  }
-  return vertices;
-}
-
-// ---- What functions do beyond being recorded: by default nothing, with a result of zero ----
-
-template <Function F, class Result, class... Arguments>
-struct Effect {
-  static Result Do(Arguments...) { return Result(); }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glBegin, Result, Arguments...> {
-  static void Do(GLenum) { between_begin_and_end = true; }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glEnd, Result, Arguments...> {
-  static void Do() {
-    if (!between_begin_and_end) ReportGlMisuse(Function::glEnd, "without glBegin");
-    between_begin_and_end = false;
-  }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glGenLists, Result, Arguments...> {
-  static GLuint Do(GLsizei range) {
-    if (range <= 0) return 0;
-    live_lists.fetch_add(range, std::memory_order_relaxed);
-    return next_list.fetch_add(static_cast<GLuint>(range), std::memory_order_relaxed);
-  }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glDeleteLists, Result, Arguments...> {
-  static void Do(GLuint base, GLsizei range) {
-    if (base != 0 && range > 0) live_lists.fetch_sub(range, std::memory_order_relaxed);
-  }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glGetError, Result, Arguments...> {
-  static GLenum Do() {
-    if (error_count.load(std::memory_order_relaxed) == 0) return GL_NO_ERROR;
-    const std::lock_guard lock(error_mutex);
-    if (errors.empty()) return GL_NO_ERROR;
-    const GLenum error = errors.front();
-    errors.pop_front();
-    error_count.store(errors.size(), std::memory_order_relaxed);
-    return error;
-  }
-};
-
-template <class Result, class... Arguments>
-struct Effect<Function::glInterleavedArrays, Result, Arguments...> {
-  static void Do(GLenum format, GLsizei stride, const void* pointer) {
-    interleaved.format.store(format, std::memory_order_relaxed);
-    interleaved.stride.store(stride, std::memory_order_relaxed);
-    interleaved.pointer.store(pointer, std::memory_order_relaxed);
+  template <class Argument>
+  void Add(char kind, Argument argument) {
+    if constexpr (std::is_same_v<Argument, const GLuint*>) {
+      // The argument before says how many names there are.
+      const auto count = argument == nullptr || numbers.back() < 0 ? 0 : numbers.back();
+      for (const GLuint name : std::span(argument, static_cast<std::size_t>(count)))
+        Add('n', name);
+    } else if constexpr (std::is_pointer_v<Argument>) {
+      numbers.push_back(argument == nullptr ? 0.0 : 1.0);
+      parts.emplace_back(argument == nullptr ? "null" : "pointer");
+      if constexpr (std::is_same_v<Argument, const GLubyte*>) {
+        if (argument == nullptr) return;
+        parts.back() = std::string("\"") + reinterpret_cast<const char*>(argument) + "\"";
+      }
+    } else {
+      numbers.push_back(static_cast<double>(argument));
+      parts.push_back(ArgumentText(kind, numbers.back()));
+    }
   }
 };
 
@@ -204,23 +102,24 @@ Result Serve(const char* kinds, Arguments... arguments) {
   const unsigned fault = Enter(F);
   CheckUse(F);
   if (Recording()) {
-    std::vector<std::string> parts;
-    std::vector<double> numbers{AsNumber(arguments)...};
-    for (std::size_t i = 0; i < numbers.size(); ++i) {
-      parts.push_back(ArgumentText(kinds[i], numbers[i]));
-    }
+    Shown shown;
+    (shown.Add(*kinds++, arguments), ...);
     std::vector<Vertex> vertices;
     if constexpr (F == Function::glDrawArrays) {
       const auto drawn = std::tuple(arguments...);
       vertices = DrawnVertices(std::get<1>(drawn), std::get<2>(drawn));
     }
-    Record(F, parts, std::move(numbers), std::move(vertices));
+    Record(F, shown.parts, std::move(shown.numbers), std::move(vertices));
   }
   if (fault != 0) {
     InjectGlError(fault);
     return Result();
   }
-  return Effect<F, Result, Arguments...>::Do(arguments...);
+  if constexpr (requires { Do(Of<F>(), arguments...); }) {
+    return Do(Of<F>(), arguments...);
+  } else {
+    return Result();
+  }
 }
 
 template <class Signature>
@@ -238,25 +137,8 @@ using ArgumentOf = typename Parts<Signature>::template Argument<I>;
 
 } // namespace
 
-void InjectGlError(unsigned code) {
-  const std::lock_guard lock(error_mutex);
-  errors.push_back(code);
-  error_count.store(errors.size(), std::memory_order_relaxed);
-}
-
-std::int64_t LiveDisplayLists() {
-  return live_lists.load(std::memory_order_relaxed);
-}
-
-void ResetGl() {
-  interleaved.format = 0;
-  interleaved.pointer = nullptr;
-  next_list = 1;
-  live_lists = 0;
-  between_begin_and_end = false;
-  const std::lock_guard lock(error_mutex);
-  errors.clear();
-  error_count = 0;
+std::string EnumerantText(GLenum value) {
+  return NameIn(kEnumerants, value);
 }
 
 } // namespace halvenor::stand_ins
@@ -271,11 +153,20 @@ void ResetGl() {
   HALVENOR_PARAMETERS_2(f), halvenor::stand_ins::ArgumentOf<decltype(f), 2> c
 #define HALVENOR_PARAMETERS_4(f)                                                                   \
   HALVENOR_PARAMETERS_3(f), halvenor::stand_ins::ArgumentOf<decltype(f), 3> d
+#define HALVENOR_PARAMETERS_6(f)                                                                   \
+  HALVENOR_PARAMETERS_4(f), halvenor::stand_ins::ArgumentOf<decltype(f), 4> e,                     \
+      halvenor::stand_ins::ArgumentOf<decltype(f), 5> g
+#define HALVENOR_PARAMETERS_9(f)                                                                   \
+  HALVENOR_PARAMETERS_6(f), halvenor::stand_ins::ArgumentOf<decltype(f), 6> h,                     \
+      halvenor::stand_ins::ArgumentOf<decltype(f), 7> i,                                           \
+      halvenor::stand_ins::ArgumentOf<decltype(f), 8> j
 #define HALVENOR_ARGUMENTS_0
 #define HALVENOR_ARGUMENTS_1 , a
 #define HALVENOR_ARGUMENTS_2 , a, b
 #define HALVENOR_ARGUMENTS_3 , a, b, c
 #define HALVENOR_ARGUMENTS_4 , a, b, c, d
+#define HALVENOR_ARGUMENTS_6 , a, b, c, d, e, g
+#define HALVENOR_ARGUMENTS_9 , a, b, c, d, e, g, h, i, j
 
 #define HALVENOR_DEFINE(arity, name, kinds)                                                        \
   extern "C" halvenor::stand_ins::Parts<decltype(name)>::Result name(                              \

@@ -1,14 +1,34 @@
 // The stand-in for OpenGL: defines the functions of gl_functions.h as recording ones.
+//
+// It keeps which names of textures and programs were given out, what is bound, and the texts of
+// programs. `glProgramStringARB` takes every text that begins with its target's header; another is
+// `GL_INVALID_OPERATION`, as is one for which an error was injected, and its position and text can
+// be read.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace halvenor::stand_ins {
 
 /// Leaves `code` for a later `glGetError`; codes are read in the order in which they were left.
 void InjectGlError(unsigned code);
 
-/// Display lists that were given out and not deleted.
+/// What `glGetString(GL_EXTENSIONS)` gives, until `Reset`: names with blanks between them. At the
+/// start both ARB program extensions. Only while no other thread uses the stand-ins.
+void SetExtensions(std::string list);
+
+/// The `nth` call of `glProgramStringARB` from now (1 is the next one) is refused with an error at
+/// `position` (0 and up).
+void InjectProgramError(int position, std::string text, std::size_t nth = 1);
+
+/// The text that the program with this name was given last, also if it was refused or deleted.
+[[nodiscard]] std::string ProgramText(unsigned program);
+
+/// Names that were given out and not deleted.
 [[nodiscard]] std::int64_t LiveDisplayLists();
+[[nodiscard]] std::int64_t LiveTextures();
+[[nodiscard]] std::int64_t LivePrograms();
 
 } // namespace halvenor::stand_ins

@@ -1,7 +1,9 @@
-// A fixture for suites over the stand-ins: each case starts from scratch and ends without misuse.
+// A fixture for suites over the stand-ins: each case starts from scratch and ends without misuse
+// and with every pbuffer and reference given back.
 #pragma once
 
 #include "tests/stand_ins/agl_stand_in.h"
+#include "tests/stand_ins/bundle_stand_in.h"
 #include "tests/stand_ins/call_log.h"
 #include "tests/stand_ins/gl_recorder.h"
 
@@ -16,6 +18,8 @@ protected:
 
   void TearDown() override {
     EXPECT_THAT(Misuses(), testing::IsEmpty());
+    EXPECT_EQ(LivePBuffers(), 0);
+    EXPECT_EQ(LiveReferences(), 0);
     Reset();
   }
 };

@@ -41,7 +41,7 @@ std::optional<PendingFile> PendingFile::Create(const fs::path& asked, std::strin
     if (fd >= 0) return PendingFile(fd, asked.string(), target, target);
   } else {
     std::string path =
-        (target.parent_path() / ("." + target.filename().string())).string() + ".XXXXXX";
+        (target.parent_path() / ".").string() + target.filename().string() + ".XXXXXX";
     const int fd = mkostemp(path.data(), O_CLOEXEC);
     if (fd >= 0) {
       GiveUsualMode(fd);
@@ -74,9 +74,9 @@ bool PendingFile::Write(std::span<const std::byte> bytes, std::string& error) {
   const StopSignals::Interruptible interruptible;
   while (!bytes.empty()) {
     const ssize_t written = write(fd_, bytes.data(), bytes.size());
-    if (written >= 0) {
-      bytes = bytes.subspan(static_cast<std::size_t>(written));
-    } else if (errno != EINTR || StopSignals::Arrived() != 0) {
+    if (written >= 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+    // A signal also cuts a write short that has begun.
+    if ((written < 0 && errno != EINTR) || (!bytes.empty() && StopSignals::Arrived() != 0)) {
       error = CannotWrite(name_, errno);
       return false;
     }

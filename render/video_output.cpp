@@ -27,7 +27,7 @@ using gst_media::Message;
 // would their timing.
 constexpr const char* kH264 = "x264enc pass=qual quantizer=18 speed-preset=faster threads=4 "
                               "vbv-buf-capacity=0 ! "
-                              "video/x-h264,profile=high ! h264parse";
+                              "video/x-h264,profile=high";
 constexpr const char* kVp9 = "vp9enc deadline=1 cpu-used=6 threads=4 row-mt=true "
                              "end-usage=cq cq-level=24 target-bitrate=20000000";
 constexpr const char* kAac = "avenc_aac bitrate=256000 ! aacparse";

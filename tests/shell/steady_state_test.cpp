@@ -1,0 +1,64 @@
+// Once a show runs, it takes no memory: an allocation in a frame can wait for another thread's.
+#include "platform/clock.h"
+#include "tests/shell/test_host.h"
+#include "tests/stand_ins/allocation_counter.h"
+#include "tests/stand_ins/offscreen_port.h"
+#include "tests/stand_ins/stand_in_test.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace halvenor {
+namespace {
+
+using stand_ins::AllocationsOfThisThread;
+
+constexpr int kDeliveries = 100;
+constexpr int kFramesPerDelivery = 3;
+constexpr std::uint64_t kFrameInterval = 1000000000 / 60;
+
+class SteadyStateTest : public stand_ins::StandInTest {
+protected:
+  void TearDown() override {
+    clock::UseRealTime();
+    StandInTest::TearDown();
+  }
+};
+
+TEST_F(SteadyStateTest, FramesAndDeliveriesAllocateNothing) {
+  stand_ins::SetSilent(true);
+  clock::UseStepped(kFrameInterval);
+  HalvenorPort port = stand_ins::OffscreenPort(640, 480);
+  TestHost host;
+  host.Init();
+  Settings& settings = host.Record()->settings; // nothing of a frame is left out
+  settings.colorCycle = settings.sharpOverlay = settings.showFrameRate = 1;
+  settings.numFrequencyLabels = 10;
+  ASSERT_EQ(host.Show(&port), 0);
+  ASSERT_EQ(clock::WaitUntilParked(), clock::StepResult::Frame);
+
+  // What the render thread has allocated by the end of each frame.
+  static std::array<std::uint64_t, std::size_t{kDeliveries} * kFramesPerDelivery> byFrame;
+  static std::size_t frames;
+  frames = 0;
+  stand_ins::OnCall("aglSwapBuffers", [] { byFrame.at(frames++) = AllocationsOfThisThread(); });
+
+  const auto data = std::make_unique<RenderVisualData>();
+  data->numSpectrumChannels = 2;
+  const std::uint64_t before = AllocationsOfThisThread();
+  for (int delivery = 0; delivery < kDeliveries; ++delivery) {
+    std::fill_n(data->spectrum[delivery % 2], 256, static_cast<std::uint8_t>(delivery * 2));
+    settings.frequencyScale = delivery % 4;
+    host.SendData(data.get());
+    for (int frame = 0; frame < kFramesPerDelivery; ++frame)
+      clock::Step(clock::Now() + kFrameInterval);
+  }
+  EXPECT_EQ(AllocationsOfThisThread(), before);
+  EXPECT_EQ(frames, byFrame.size());
+  EXPECT_EQ(byFrame.back(), byFrame.front());
+  host.Send(message::kHide);
+}
+
+} // namespace
+} // namespace halvenor

@@ -36,13 +36,15 @@ void AnalysisTap::OnEnd(GstAppSink* /*sink*/, void* self) {
   tap->analyser_.Flush();
 }
 
-/// A jump in the medium's time begins a new count of records.
+/// A jump in the medium's time begins a new count of records; after one backwards what had been
+/// kept from there on is not heard again.
 void AnalysisTap::Analyse(GstSample* sample) {
   const std::scoped_lock lock(analysing_);
   const std::int64_t expected = origin_ + pushed_ * GST_SECOND / kAnalysisRate;
   const std::int64_t time = gst_media::StreamTime(sample).value_or(expected);
   if (!anchored_ || std::abs(time - expected) > kLongestGap) {
     analyser_.Flush();
+    ForgetFrom(time);
     anchored_ = true;
     origin_ = time;
     pushed_ = 0;
@@ -50,6 +52,12 @@ void AnalysisTap::Analyse(GstSample* sample) {
   const gst_media::Frames frames(sample);
   analyser_.Push(frames.Values());
   pushed_ += static_cast<std::int64_t>(frames.Values().size() / 2);
+}
+
+void AnalysisTap::ForgetFrom(std::int64_t time) {
+  const std::scoped_lock lock(mutex_);
+  while (count_ > 0 && kept_[(first_ + count_ - 1) % kept_.size()].time >= time)
+    --count_;
 }
 
 void AnalysisTap::Keep(const AnalysedSound& analysed) {

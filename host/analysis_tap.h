@@ -36,6 +36,7 @@ private:
   static GstFlowReturn OnSample(GstAppSink* sink, void* self);
   static void OnEnd(GstAppSink* sink, void* self);
   void Analyse(GstSample* sample);
+  void ForgetFrom(std::int64_t time);
   void Keep(const AnalysedSound& analysed);
 
   // Held wherever the analyser is used: sound comes on one thread at a time, but not on one alone.

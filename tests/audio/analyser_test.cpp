@@ -126,6 +126,7 @@ TEST(Analyser, SilenceIsNothingAndIllValuesDoNoHarm) {
       return i < 3 * kFramesPerRecord ? (i % 64 < 32 ? v : -v) : 0.0F;
     }));
     EXPECT_EQ(Highest(kept[1].record) == 0, silent) << value;
+    EXPECT_EQ(kept[1].record.waveform[0][100] == 128, silent) << value;
     EXPECT_EQ(Highest(kept[5].record), 0) << value;
     EXPECT_EQ(kept[5].record.waveform[0][100], 128) << value;
   }

@@ -7,8 +7,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -152,6 +156,25 @@ TEST(AudioReader, AStartIsExactAndADurationCutsThere) {
     const Content rest = Read(path, {2.5, 60, {}});
     EXPECT_NEAR(static_cast<double>(rest.sound.size()) / 2, 22050, format.lossless ? 2 : 3000);
   }
+}
+
+// A pipe cannot seek: what comes before the start is decoded and skipped.
+TEST(AudioReader, AStartIsExactInAPipe) {
+  const SoundFolder folder;
+  const std::string path = folder.Write(
+      "tone.wav", "wavenc", {48000, 1, 1, [](double time, int) { return time < 0.6 ? 0 : 0.5; }});
+  const std::string pipe = folder.Path("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const int held = open(pipe.c_str(), O_RDONLY | O_NONBLOCK); // GStreamer opens it twice
+  std::thread writer([&] {
+    std::ofstream(pipe, std::ios::binary) << std::ifstream(path, std::ios::binary).rdbuf();
+  });
+  const Content part = Read(pipe, {0.25, {}, {}});
+  close(held);
+  writer.join();
+  EXPECT_EQ(part.error, "");
+  EXPECT_NEAR(static_cast<double>(Onset(part.sound)), 0.35 * 44100, 20);
+  EXPECT_NEAR(static_cast<double>(part.sound.size()) / 2, 0.75 * 44100, 2);
 }
 
 TEST(AudioReader, TagsNameTheSoundOrElseItsFile) {

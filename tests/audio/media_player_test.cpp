@@ -163,6 +163,12 @@ TEST_F(MediaPlayerTest, AfterALongAbsenceOnlyTheLastRecordsAreTold) {
   host.player.Poll();
   EXPECT_GE(host.records - before, 2);
   EXPECT_LE(host.records - before, 5);
+
+  host.onRecord = [&] { host.player.Pause(); };
+  std::this_thread::sleep_for(300ms);
+  const int paused = host.records;
+  host.player.Poll();
+  EXPECT_EQ(host.records, paused + 1) << "none after the listener has paused";
 }
 
 TEST_F(MediaPlayerTest, ADeviceThatFailsLeavesTheMediumSilentlyPlaying) {

@@ -261,7 +261,8 @@ TEST_F(PluginHostTest, AnActivationNeedsAPluginThatSetItselfUp) {
   } cases[] = {{0, true, true}, {0, false, true}, {-43, true, true}, {-108, false, false}};
   for (const auto& [answer, setsUp, activated] : cases) {
     const auto host = MakeHost();
-    script_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
+    script_.handler = [&, answer = answer, setsUp = setsUp](FourCharCode code,
+                                                            VisualMessage* record, void*) {
       if (code == message::kInit && setsUp) record->init.refCon = &refConTarget_;
       return answer;
     };

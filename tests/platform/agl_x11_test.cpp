@@ -1,10 +1,10 @@
 // Drawing into X11 windows, on an X server of the suite's own.
 #include "tests/platform/gl_fixture.h"
 #include "tests/platform/servers.h"
+#include "tests/platform/x11_image.h"
 
 #include <GL/glx.h>
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
 
 namespace halvenor {
 namespace {
@@ -30,19 +30,6 @@ protected:
     GlTest::TearDown();
   }
 
-  Image ReadWindow(int width, int height) {
-    XImage* read = XGetImage(display, window, 0, 0, static_cast<unsigned>(width),
-                             static_cast<unsigned>(height), AllPlanes, ZPixmap);
-    Image image{width, height, {}};
-    for (int i = 0; i < width * height; ++i) {
-      const auto pixel = XGetPixel(read, i % width, i / width);
-      image.pixels.push_back({static_cast<int>(pixel >> 16 & 255),
-                              static_cast<int>(pixel >> 8 & 255), static_cast<int>(pixel & 255)});
-    }
-    XDestroyImage(read);
-    return image;
-  }
-
   /// Draws a picture of its own before the quarters: neither buffer of a swap may be stale.
   void DrawAndExpect(const TestContext& context, int x, int y, int width, int height) {
     const Rect bounds = port.bounds;
@@ -51,12 +38,13 @@ protected:
     DrawQuarters(width, height);
     aglSwapBuffers(context.context);
     const int top = bounds.bottom - y - height;
-    Image image;
-    EXPECT_TRUE(Eventually([&] {
-      image = ReadWindow(bounds.right, bounds.bottom);
-      return image.At(x, top) == kRed;
-    }));
-    ExpectQuarters(image, x, top, width, height);
+    std::string fault;
+    Eventually([&] {
+      const Image image = ReadImage(display, window, bounds.right, bounds.bottom);
+      fault = QuartersFault(image, x, top, width, height);
+      return fault.empty();
+    });
+    EXPECT_EQ(fault, "");
   }
 
   XServer server;
@@ -137,7 +125,7 @@ TEST_F(X11Test, TheHostsGlxContextIsPutBack) {
     EXPECT_EQ(glXGetCurrentContext(), host);
     EXPECT_EQ(glXGetCurrentDrawable(), window);
   }
-  ExpectQuarters(offscreen.image, 0, 0, 16, 16);
+  EXPECT_EQ(QuartersFault(offscreen.image, 0, 0, 16, 16), "");
   context.Destroy();
   EXPECT_EQ(glXGetCurrentContext(), host);
   EXPECT_NE(glGetString(GL_VERSION), nullptr);

@@ -9,8 +9,7 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
-#include <initializer_list>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -113,12 +112,16 @@ struct Image {
   }
 };
 
-/// Checks the quarters of `DrawQuarters` in the rectangle of `image` whose top-left corner is
-/// `left`, `top`, and black in the image's corners where the rectangle does not reach them.
-inline void ExpectQuarters(const Image& image, int left, int top, int width, int height) {
+/// What is wrong with the quarters of `DrawQuarters` in the rectangle of `image` whose top-left
+/// corner is `left`, `top`, or with the black around it; empty when nothing is.
+inline std::string QuartersFault(const Image& image, int left, int top, int width, int height) {
+  std::ostringstream fault;
   const auto expect = [&](int x, int y, const Pixel& color) {
-    EXPECT_EQ(image.At(x, y), color)
-        << "at " << x << ", " << y << " of " << image.width << "x" << image.height;
+    if (x < 0 || y < 0 || x >= image.width || y >= image.height) return;
+    const Pixel found = image.At(x, y);
+    if (found != color)
+      fault << x << "," << y << " of " << image.width << "x" << image.height << " is "
+            << testing::PrintToString(found) << ", not " << testing::PrintToString(color) << "; ";
   };
   const int right = left + width - 1;
   const int bottom = top + height - 1;
@@ -126,10 +129,11 @@ inline void ExpectQuarters(const Image& image, int left, int top, int width, int
   expect(right, top, kGreen);
   expect(left, bottom, kBlue);
   expect(right, bottom, kWhite);
-  if (left > 0) expect(left - 1, top, kBlack);
-  if (top > 0) expect(left, top - 1, kBlack);
-  if (right + 1 < image.width) expect(right + 1, bottom, kBlack);
-  if (bottom + 1 < image.height) expect(right, bottom + 1, kBlack);
+  expect(left - 1, top, kBlack);
+  expect(left, top - 1, kBlack);
+  expect(right + 1, bottom, kBlack);
+  expect(right, bottom + 1, kBlack);
+  return fault.str();
 }
 
 /// An offscreen port that keeps the last frame.

@@ -1,7 +1,7 @@
 #include "tests/platform/servers.h"
 
 #include <array>
-#include <csignal>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -71,15 +71,16 @@ XServer::XServer() {
   close(ends[0]);
 }
 
-WaylandServer::WaylandServer() {
+WaylandServer::WaylandServer(const XServer& screen) {
   std::string folder = "/tmp/halvenor-wayland-XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) return;
   folder_ = folder;
-  setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
   process_ = std::make_unique<ServerProcess>(
-      std::vector<std::string>{"weston", "--backend=headless-backend.so", "--socket=wayland-test",
-                               "--no-config", "--log=" + folder_ + "/log"},
-      -1);
+      std::vector<std::string>{"weston", "--backend=x11-backend.so", "--use-pixman",
+                               "--shell=kiosk-shell.so", "--width=320", "--height=240",
+                               "--socket=wayland-test", "--no-config", "--log=" + folder_ + "/log"},
+      -1,
+      std::vector<std::string>{"XDG_RUNTIME_DIR=" + folder_, "DISPLAY=" + screen.DisplayName()});
   const auto socket = std::filesystem::path(folder_) / "wayland-test";
   if (Eventually([&] { return std::filesystem::exists(socket) || !process_->IsRunning(); }) &&
       process_->IsRunning())

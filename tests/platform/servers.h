@@ -1,7 +1,7 @@
 // Display servers of a suite's own.
 #pragma once
 
-#include <chrono>
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <string>
@@ -39,13 +39,16 @@ private:
   std::string name_; ///< empty when it did not start
 };
 
-/// weston without a screen, in a runtime folder of its own, which becomes $XDG_RUNTIME_DIR.
+/// weston in a window of Xvfb, 320x240, where every Wayland window is in the middle of black. Its
+/// socket lies in a runtime folder of its own.
 class WaylandServer {
 public:
-  WaylandServer();
+  explicit WaylandServer(const XServer& screen);
   ~WaylandServer();
+  /// Name for wl_display_connect.
   [[nodiscard]] const std::string& SocketName() const { return name_; }
-  ServerProcess& Process() { return *process_; }
+  void Freeze() const { process_->Signal(SIGSTOP); }
+  void Thaw() const { process_->Signal(SIGCONT); }
 
 private:
   std::string folder_;

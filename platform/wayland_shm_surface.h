@@ -1,0 +1,18 @@
+// Wayland surfaces that pictures are put into from shared memory.
+#pragma once
+
+#include "platform/presenter.h"
+
+#include <memory>
+
+struct wl_display;
+struct wl_surface;
+
+namespace halvenor::agl {
+
+/// Reads pictures into memory that the compositor shares. It never waits for the compositor: while
+/// that holds all buffers, pictures are dropped. The current context must be able to read the top
+/// row first (frame_reader.h). Null when the compositor offers no shared memory.
+std::unique_ptr<Presenter> MakeWaylandShmSurface(wl_display* display, wl_surface* surface);
+
+} // namespace halvenor::agl

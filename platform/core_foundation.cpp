@@ -36,10 +36,8 @@ bool IsCalled(const fs::path& infoFile, const char* identifier) {
   plist_t root = nullptr;
   plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &root);
   const std::unique_ptr<void, PlistDeleter> owner(root);
-  if (root == nullptr || plist_get_node_type(root) != PLIST_DICT) return false;
-  const plist_t value = plist_dict_get_item(root, "CFBundleIdentifier");
-  return value != nullptr && plist_get_node_type(value) == PLIST_STRING &&
-         plist_string_val_compare(value, identifier) == 0;
+  // What is no dictionary has no items, and what is no string equals none.
+  return plist_string_val_compare(plist_dict_get_item(root, "CFBundleIdentifier"), identifier) == 0;
 }
 
 /// The folder "Contents" of the innermost bundle called `identifier` around the file `module`;

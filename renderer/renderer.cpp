@@ -6,6 +6,9 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace halvenor {
 namespace {
 
@@ -16,8 +19,39 @@ constexpr float kFirstFrameScale = 1.0F;
 // enough.
 constexpr int kDirectDrawings = 3;
 
+constexpr double kDegree = 3.1415829 / 180;
+
+// Between these a smoothed zoom has its copies. Beyond the upper one each would be fainter than
+// one step of an 8-bit buffer, so that no more than this is ever seen.
+constexpr int kFewestCopies = 2;
+constexpr int kMostCopies = 256;
+
+// By how much the feedback image grows in a twentieth of a second. Loud passages push outward, the
+// long-term loudness pulls back.
+float ZoomScale(const VisualPluginData& data) {
+  const float level = (data.channelLevel[0] + data.channelLevel[1]) * 0.5F;
+  const auto scale =
+      static_cast<float>(data.settings.zoom * 0.5 + 0.75 + level * 0.2 - data.loudness * 0.1);
+  if (!(level > 0.15)) return scale;
+  return static_cast<float>(scale + std::sqrt(level) * 0.1);
+}
+
 float IntervalSeconds(Duration delta) {
   return static_cast<float>(delta >= 0 ? delta / 1000.0 : delta / -1000000.0);
+}
+
+// The bound texture, as a quad that reaches (x, y) from the middle.
+void DrawImage(float x, float y) {
+  glBegin(GL_TRIANGLE_STRIP);
+  glTexCoord2f(0.0F, 0.0F);
+  glVertex3f(-x, -y, 0.0F);
+  glTexCoord2f(1.0F, 0.0F);
+  glVertex3f(x, -y, 0.0F);
+  glTexCoord2f(0.0F, 1.0F);
+  glVertex3f(-x, y, 0.0F);
+  glTexCoord2f(1.0F, 1.0F);
+  glVertex3f(x, y, 0.0F);
+  glEnd();
 }
 
 void CountDown(std::int32_t& time, std::int32_t elapsed) {
@@ -43,6 +77,7 @@ std::int32_t Renderer::Open(GrafPtr port, const Rect* rect) {
   }
   glEnable(GL_BLEND);
   glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+  blur.Create(display.Context());
   FontSystem::Open(&display);
   if (const GLenum error = aglGetError(); error != AGL_NO_ERROR) {
     aglReportError("Failed to set up openGL", error);
@@ -65,6 +100,7 @@ void Renderer::Close() {
 }
 
 void Renderer::ReleaseResources() {
+  blur.Destroy();
   FontSystem::Close();
   display.Close();
 }
@@ -78,9 +114,19 @@ void Renderer::Render(VisualPluginData* data) {
   if (EnterNewFrame(data) == 0) return;
   inFrame = 1;
   spectrum.PreProcess(data);
+  const bool offscreen = blur.StartDrawing();
+  if (offscreen) DrawOffscreen(*data);
   StartWindow();
+  if (offscreen) {
+    blur.BindTexture();
+    DrawImage(1.0F, 1.0F);
+  }
   if (data->settings.sharpOverlay != 0) spectrum.Render();
-  DrawLinesDirectly();
+  if (!offscreen) {
+    DrawLinesDirectly();
+  } else if (data->settings.glow != 0) {
+    blur.DrawBlur();
+  }
   DrawText(data);
   display.EndRendering();
   ReportFrameErrors();
@@ -99,6 +145,48 @@ std::int32_t Renderer::EnterNewFrame(VisualPluginData* data) {
   CountDown(data->trackTextTime, elapsed);
   CountDown(data->streamTextTime, elapsed);
   return 1;
+}
+
+void Renderer::DrawOffscreen(const VisualPluginData& data) {
+  blur.BindTexture();
+  glEnable(GL_TEXTURE_2D);
+  glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+  glEnable(GL_BLEND);
+  glClearColor(0.0F, 0.0F, 0.0F, 1.0F);
+  glClear(GL_COLOR_BUFFER_BIT);
+  glLoadIdentity();
+  DrawZoomedImage(data);
+  spectrum.Render();
+  blur.EndDrawing();
+  glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR);
+  if (data.settings.glow != 0) blur.GenerateBlur();
+}
+
+void Renderer::DrawZoomedImage(const VisualPluginData& data) const {
+  const Settings& settings = data.settings;
+  const float growth = ZoomScale(data) - 1.0F;
+  const float keep = 1.0F - settings.fade;
+  // The image is not turned: the angle divides the zoom between the axes.
+  const float angle =
+      settings.verticalLayout != 0 ? 90.0F - settings.zoomRotation : settings.zoomRotation;
+  const float sn = std::sin(static_cast<float>(angle * kDegree));
+  const float cs = std::cos(static_cast<float>(angle * kDegree));
+
+  if (settings.smoothing == 0) {
+    const float d = growth * frameScale;
+    glColor4f(1.0F, 1.0F, 1.0F, keep);
+    DrawImage(1.0F + d * sn, 1.0F + d * cs);
+    return;
+  }
+  // Copies between no zoom and the whole, which add up to the brightness of one.
+  const int copies =
+      std::clamp(TruncateToInt32(std::fabs(growth) * 40.0), kFewestCopies, kMostCopies);
+  const auto n = static_cast<float>(copies);
+  glColor4f(1.0F, 1.0F, 1.0F, keep / n);
+  for (int i = 1; i <= copies; ++i) {
+    const float d = growth * static_cast<float>(i) * frameScale / n;
+    DrawImage(1.0F + d * sn, 1.0F + d * cs);
+  }
 }
 
 void Renderer::StartWindow() {

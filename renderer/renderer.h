@@ -1,6 +1,7 @@
 // The one object that turns the plug-in's state into pictures.
 #pragma once
 
+#include "gl/pbuffer_blur.h"
 #include "platform/carbon.h"
 #include "protocol/visual_plugin_data.h"
 #include "renderer/display.h"
@@ -46,6 +47,10 @@ public:
 private:
   /// Advances the frame clock: rate, scale and the display times of the message lines. Always 1.
   std::int32_t EnterNewFrame(VisualPluginData* data);
+  /// Draws the frame into the current offscreen buffer: the frame before it zoomed and faded, the
+  /// lines over it; then blurs it.
+  void DrawOffscreen(const VisualPluginData& data);
+  void DrawZoomedImage(const VisualPluginData& data) const;
   void StartWindow();
   void DrawLinesDirectly();
   void DrawText(VisualPluginData* data);
@@ -53,6 +58,7 @@ private:
   /// Releases what an opening has made, the context last.
   void ReleaseResources();
 
+  PBufferBlur blur; ///< the feedback image and the glow
   Spectrum spectrum;
   Display display;
   std::int32_t isOpen = 0;

@@ -43,7 +43,9 @@ public:
     EXPECT_EQ(clock::Step(clock::Now() + 1), clock::StepResult::NoFrame);
     host_->Cleanup();
     clock::UseRealTime();
-    const std::string lines = log_.TakeText();
+    // Every opening tells which blur it found.
+    std::string lines = log_.TakeText();
+    if (lines == " Halvenor : ARB shader support found!") lines.clear();
     EXPECT_TRUE(logMode_ == Log::MayComplain || lines.empty()) << lines;
   }
 

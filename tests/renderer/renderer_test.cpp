@@ -6,6 +6,7 @@
 #include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -33,13 +34,50 @@ protected:
   }
   void TearDown() override {
     renderer_.reset();
-    EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LiveDisplayLists(), 0);
+    EXPECT_EQ(LiveObjects(), 0);
     EXPECT_EQ(stand_ins::CurrentContextNumber(), 0);
     clock::UseRealTime();
     StandInTest::TearDown();
   }
 
+  static std::int64_t LiveObjects() {
+    return stand_ins::LiveContexts() + stand_ins::LivePixelFormats() +
+           stand_ins::LiveDisplayLists() + stand_ins::LivePBuffers() + stand_ins::LiveTextures() +
+           stand_ins::LivePrograms();
+  }
   void Advance(std::uint64_t nanoseconds) { clock::Step(clock::Now() + nanoseconds); }
+  // The calls of one frame, with quads of the whole texture and drawings of the lines folded.
+  std::vector<std::string> Frame() {
+    stand_ins::ClearCalls();
+    renderer_->Render(data_.get());
+    std::vector<std::string> calls;
+    bool inLines = false;
+    for (const std::string& call : stand_ins::CallTexts()) {
+      if (call.starts_with("glInterleavedArrays")) {
+        inLines = true;
+        calls.back() = "lines"; // in place of switching texturing off
+      } else if (!inLines) {
+        calls.push_back(call);
+      } else if (call == "glEnable(GL_TEXTURE_2D)") {
+        inLines = false;
+        afterLines_ = true;
+        continue;
+      }
+      if (afterLines_ && !inLines) calls.pop_back(); // the identity after the lines
+      afterLines_ = false;
+      FoldQuad(calls);
+    }
+    return calls;
+  }
+  static void FoldQuad(std::vector<std::string>& calls) {
+    constexpr std::size_t kQuadCalls = 10;
+    if (calls.size() < kQuadCalls || calls.back() != "glEnd()") return;
+    const std::string corner = calls[calls.size() - 2]; // glVertex3f(x, y, 0)
+    calls.resize(calls.size() - kQuadCalls);
+    calls.push_back("quad " + corner.substr(11, corner.size() - 15));
+  }
+  bool afterLines_ = false;
+
   bool Open() { return renderer_->Open(&port_, &port_.bounds) == 1; }
 
   stand_ins::LogLines log_;
@@ -48,41 +86,136 @@ protected:
   std::unique_ptr<Renderer> renderer_;
 };
 
-TEST_F(RendererTest, AFrameIsComposedInOrder) {
+TEST_F(RendererTest, AFrameWithoutOffscreenBuffersIsTheLinesThreeTimesOver) {
+  stand_ins::Fail("aglCreatePBuffer", AGL_NO_BUFFER);
   ASSERT_TRUE(Open());
+  EXPECT_THAT(log_.Take(), ElementsAre(StartsWith("pBuffers not supported : ")));
   FontSystem::SetSize(9);
-  stand_ins::ClearCalls();
-  renderer_->Render(data_.get());
-  // Each drawing of the lines reaches from switching texturing off to switching it on again.
-  std::vector<std::string> calls;
-  bool inLines = false;
-  for (const std::string& call : stand_ins::CallTexts()) {
-    if (call.starts_with("glInterleavedArrays")) {
-      inLines = true;
-      calls.back() = "lines";
-    }
-    if (!inLines) calls.push_back(call);
-    if (call == "glEnable(GL_TEXTURE_2D)") inLines = false;
-  }
-  EXPECT_THAT(calls,
+  EXPECT_THAT(Frame(),
               ElementsAre("aglSetDrawable(context 2, null)", "aglSetDrawable(context 2, port 1)",
                           "aglSetCurrentContext(context 2)", "glViewport(0, 0, 400, 200)",
                           "glClearColor(0, 0, 0, 1)", "glClear(GL_COLOR_BUFFER_BIT)",
                           "glEnable(GL_TEXTURE_2D)", "glBlendFunc(GL_SRC_ALPHA, GL_ONE)",
-                          "glColor4f(1, 1, 1, 1)", "lines", "glLoadIdentity()", "lines",
-                          "glLoadIdentity()", "lines", "glLoadIdentity()", "glLoadIdentity()",
+                          "glColor4f(1, 1, 1, 1)", "lines", "lines", "lines", "glLoadIdentity()",
                           "glColor4f(1, 1, 1, 0.3)", "glDisable(GL_TEXTURE_2D)",
                           "glEnable(GL_BLEND)", "aglSwapBuffers(context 2)", "aglGetError()",
                           "glGetError()"));
+  data_->settings.sharpOverlay = -3;
+  EXPECT_THAT(Frame(), testing::Contains("lines").Times(4));
 }
 
-TEST_F(RendererTest, LinesAreDrawnThreeTimesOrFourWithTheOverlay) {
+TEST_F(RendererTest, AFrameIsComposedInOrder) {
   ASSERT_TRUE(Open());
-  for (const auto& [overlay, drawings] : {std::pair{0, 3U}, {1, 4U}, {-3, 4U}}) {
-    data_->settings.sharpOverlay = overlay;
-    stand_ins::ClearCalls();
-    renderer_->Render(data_.get());
-    EXPECT_EQ(stand_ins::CallsOf("glInterleavedArrays").size(), drawings);
+  FontSystem::SetSize(9);
+  data_->settings.smoothing = 0;
+  data_->settings.glow = 0;
+  data_->settings.fade = 0.25F;
+  data_->settings.zoom = 0.5F; // with the silence: no zoom at all
+  const std::vector<std::string> expected = {"aglGetVirtualScreen(context 2)",
+                                             "aglSetPBuffer(context 2, pbuffer 1, 0, 0, 0)",
+                                             "glViewport(0, 0, 512, 512)",
+                                             "aglGetError()",
+                                             "glBindTexture(GL_TEXTURE_2D, 2)",
+                                             "glEnable(GL_TEXTURE_2D)",
+                                             "glBlendFunc(GL_SRC_ALPHA, GL_ONE)",
+                                             "glEnable(GL_BLEND)",
+                                             "glClearColor(0, 0, 0, 1)",
+                                             "glClear(GL_COLOR_BUFFER_BIT)",
+                                             "glLoadIdentity()",
+                                             "glColor4f(1, 1, 1, 0.75)",
+                                             "quad 1, 1",
+                                             "lines",
+                                             "aglSwapBuffers(context 2)",
+                                             "aglGetError()",
+                                             "glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR)",
+                                             "aglSetDrawable(context 2, null)",
+                                             "aglSetDrawable(context 2, port 1)",
+                                             "aglSetCurrentContext(context 2)",
+                                             "glViewport(0, 0, 400, 200)",
+                                             "glClearColor(0, 0, 0, 1)",
+                                             "glClear(GL_COLOR_BUFFER_BIT)",
+                                             "glEnable(GL_TEXTURE_2D)",
+                                             "glBlendFunc(GL_SRC_ALPHA, GL_ONE)",
+                                             "glColor4f(1, 1, 1, 1)",
+                                             "glBindTexture(GL_TEXTURE_2D, 1)",
+                                             "quad 1, 1",
+                                             "glLoadIdentity()",
+                                             "glColor4f(1, 1, 1, 0.3)",
+                                             "glDisable(GL_TEXTURE_2D)",
+                                             "glEnable(GL_BLEND)",
+                                             "aglSwapBuffers(context 2)",
+                                             "aglGetError()",
+                                             "glGetError()"};
+  EXPECT_EQ(Frame(), expected);
+
+  // The next frame has the buffers the other way round, and no memory of its own.
+  std::vector<std::string> next = expected;
+  next[1] = "aglSetPBuffer(context 2, pbuffer 2, 0, 0, 0)";
+  next[4] = "glBindTexture(GL_TEXTURE_2D, 1)";
+  next[26] = "glBindTexture(GL_TEXTURE_2D, 2)";
+  EXPECT_EQ(Frame(), next);
+  EXPECT_EQ(Frame(), expected);
+
+  data_->settings.sharpOverlay = 1;
+  next.insert(next.begin() + 28, "lines");
+  EXPECT_EQ(Frame(), next);
+}
+
+TEST_F(RendererTest, TheGlowIsMadeAfterTheLinesAndAddedBeforeTheTexts) {
+  ASSERT_TRUE(Open());
+  data_->settings.smoothing = 0;
+  const auto calls = Frame();
+  const auto at = [&calls](std::string_view call, int nth = 0) {
+    std::ptrdiff_t place = -1;
+    for (std::size_t i = 0; i < calls.size(); ++i)
+      if (calls[i].starts_with(call) && nth-- == 0) place = static_cast<std::ptrdiff_t>(i);
+    return place;
+  };
+  const auto generated = at("glBindProgramARB");
+  EXPECT_GT(generated, at("glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR)"));
+  EXPECT_LT(generated, at("aglSetDrawable"));
+  EXPECT_GT(at("glBindProgramARB", 2), at("quad", 5)); // after the finished image
+  EXPECT_LT(at("quad", 7), at("glColor4f(1, 1, 1, 0.3)"));
+  EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
+                          [](const std::string& call) { return call.starts_with("quad"); }),
+            1 + 4 + 1 + 2);
+}
+
+TEST_F(RendererTest, TheFeedbackImageZoomsWithTimeAndSound) {
+  ASSERT_TRUE(Open());
+  data_->settings.glow = 0;
+  data_->settings.fade = 0.0F;
+  const struct {
+    float zoom, level, loudness, rotation;
+    bool vertical, smoothing;
+    double scale;
+    int copies;
+  } cases[] = {
+      {0.5F, 0, 0, 0, false, false, 1.0, 1},         {0.5F, 0, 0, 0, false, true, 1.0, 2},
+      {1.0F, 0, 0, 90, false, true, 1.25, 10},       {0.0F, 0, 0, 0, true, true, 0.75, 10},
+      {0.7F, 0.1F, 0.2F, 10, false, true, 1.1, 4},   {0.7F, 0.1F, 0.2F, 10, true, false, 1.1, 1},
+      {0.7F, 0.36F, 0.2F, 0, false, true, 1.212, 8}, {1000.0F, 0, 0, 0, false, true, 500.75, 256},
+      {-1000.0F, 0, 0, 0, false, false, -499.25, 1}};
+  for (const auto& c : cases) {
+    data_->settings.zoom = c.zoom;
+    data_->settings.zoomRotation = c.rotation;
+    data_->settings.verticalLayout = c.vertical ? 1 : 0;
+    data_->settings.smoothing = c.smoothing ? 1 : 0;
+    data_->channelLevel[0] = data_->channelLevel[1] = c.level;
+    data_->loudness = c.loudness;
+    Advance(kSecond / 40); // half of a twentieth of a second: half of the zoom
+    Frame();
+    const auto corners = stand_ins::CallsOf("glVertex3f");
+    const double angle = (c.vertical ? 90.0 - c.rotation : c.rotation) * 3.1415829 / 180;
+    for (int i = 1; i <= c.copies; ++i) {
+      const double d = (c.scale - 1) * i * 0.5 / c.copies;
+      const auto& corner = corners.at(static_cast<std::size_t>(4 * i - 1)).arguments;
+      EXPECT_NEAR(corner[0], 1 + d * std::sin(angle), 1e-3) << "zoom " << c.zoom << ", copy " << i;
+      EXPECT_NEAR(corner[1], 1 + d * std::cos(angle), 1e-3) << "zoom " << c.zoom << ", copy " << i;
+    }
+    EXPECT_NEAR(stand_ins::CallsOf("glColor4f")[0].arguments[3], 1.0 / c.copies, 1e-6);
+    const auto& next = corners.at(static_cast<std::size_t>(4 * c.copies)).arguments;
+    EXPECT_EQ(next[0], -1) << "no further copy, but the band or the finished image";
   }
 }
 
@@ -151,7 +284,7 @@ TEST_F(RendererTest, ClosesWithoutAFrameAndReopens) {
     }
     renderer_->Close();
     EXPECT_FALSE(renderer_->IsOpen());
-    EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LiveDisplayLists(), 0);
+    EXPECT_EQ(LiveObjects(), 0);
   }
 }
 
@@ -167,9 +300,7 @@ TEST_F(RendererTest, AFailedOpeningReleasesWhatItMade) {
     stand_ins::Fail(function, error);
     EXPECT_FALSE(Open());
     EXPECT_THAT(log_.Take(), ElementsAre(StartsWith(report)));
-    EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LivePixelFormats() +
-                  stand_ins::LiveDisplayLists(),
-              0);
+    EXPECT_EQ(LiveObjects(), 0);
   }
   stand_ins::Reset();
   // Without a font it opens all the same; with an error after the font it does not.
@@ -183,12 +314,12 @@ TEST_F(RendererTest, AFailedOpeningReleasesWhatItMade) {
   EXPECT_FALSE(Open());
   EXPECT_THAT(log_.Take(), ElementsAre(StartsWith("aglUseFont failed : "),
                                        StartsWith("Failed to set up openGL : ")));
-  EXPECT_EQ(stand_ins::LiveContexts() + stand_ins::LiveDisplayLists(), 0);
+  EXPECT_EQ(LiveObjects(), 0);
 }
 
 TEST_F(RendererTest, FrameErrorsAreReportedAndTheNextFrameIsDrawn) {
   ASSERT_TRUE(Open());
-  stand_ins::Fail("aglSwapBuffers", AGL_BAD_DRAWABLE, 1, 1);
+  stand_ins::Fail("aglSwapBuffers", AGL_BAD_DRAWABLE, 6, 1); // the window's, after the buffers'
   renderer_->Render(data_.get());
   stand_ins::InjectGlError(GL_OUT_OF_MEMORY);
   renderer_->Render(data_.get());
@@ -196,7 +327,7 @@ TEST_F(RendererTest, FrameErrorsAreReportedAndTheNextFrameIsDrawn) {
               ElementsAre(StartsWith("OpenGL rendering problem : "), "GL Error: Out of memory"));
   const auto swaps = CallCount("aglSwapBuffers");
   renderer_->Render(data_.get());
-  EXPECT_EQ(CallCount("aglSwapBuffers"), swaps + 1);
+  EXPECT_EQ(CallCount("aglSwapBuffers"), swaps + 6);
   EXPECT_THAT(log_.Take(), IsEmpty());
 }
 

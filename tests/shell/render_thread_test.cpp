@@ -7,6 +7,7 @@
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <atomic>
+#include <functional>
 #include <future>
 #include <random>
 #include <thread>
@@ -61,8 +62,17 @@ using testing::StartsWith;
 constexpr std::uint64_t kFrame = 1000000000 / 60;
 constexpr std::int32_t kHalfAnHour = 1800 * 1000000;
 
+// Finished frames, and what happens as each is handed over.
+std::atomic<std::uint64_t> frames = 0;
+std::function<void()> onFrame;
+
+void TakeFrame(void*, const HalvenorFrame*) {
+  ++frames;
+  if (onFrame) onFrame();
+}
+
 std::uint64_t Frames() {
-  return stand_ins::CallCount("aglSwapBuffers");
+  return frames;
 }
 
 void AwaitFrames(std::uint64_t count) {
@@ -75,6 +85,8 @@ protected:
   void SetUp() override {
     StandInTest::SetUp();
     stand_ins::SetSilent(true);
+    frames = 0;
+    port_.frameFinished = TakeFrame;
     host_.Init();
     host_.Record()->settings.numLines = 2;
   }
@@ -84,6 +96,7 @@ protected:
     EXPECT_EQ(renderThreadExists, 0);
     EXPECT_EQ(stand_ins::LiveContexts(), 0);
     clock::UseRealTime();
+    onFrame = {};
     creationFails = false;
     EXPECT_EQ(running, 0);
     EXPECT_LE(mostRunning, 1);
@@ -98,7 +111,7 @@ protected:
 TEST_F(RenderThreadTest, DrawsOnceOnTheHostsThreadAndThenOncePerStep) {
   clock::UseStepped(kFrame);
   std::vector<std::thread::id> drawers;
-  stand_ins::OnCall("aglSwapBuffers", [&] { drawers.push_back(std::this_thread::get_id()); });
+  onFrame = [&] { drawers.push_back(std::this_thread::get_id()); };
   ASSERT_EQ(host_.Show(&port_), 0);
   EXPECT_EQ(clock::WaitUntilParked(), StepResult::Frame);
   for (int i = 0; i < 3; ++i)
@@ -130,6 +143,7 @@ TEST_F(RenderThreadTest, ANullRecordDrawsNothingUntilARealOneComes) {
 TEST_F(RenderThreadTest, ShowingAgainJoinsTheOldThreadFirst) {
   for (int i = 0; i < 20; ++i) {
     ASSERT_EQ(host_.Show(&port_), 0);
+    EXPECT_EQ(stand_ins::LivePBuffers(), 4);
     EXPECT_EQ(stand_ins::LiveContexts(), 2); // those of the opening before are gone
     EXPECT_LE(running, 1);
   }
@@ -143,10 +157,10 @@ TEST_F(RenderThreadTest, HidingWaitsForTheFrameInProgress) {
   clock::WaitUntilParked();
   std::promise<void> begun;
   std::promise<void> mayEnd;
-  stand_ins::OnCall("aglSwapBuffers", [&, end = mayEnd.get_future().share()] {
+  onFrame = [&, end = mayEnd.get_future().share()] {
     begun.set_value();
     end.wait();
-  });
+  };
   auto step = std::async(std::launch::async, [] { return Step(); });
   begun.get_future().wait();
   std::atomic<bool> hidden = false;
@@ -157,7 +171,6 @@ TEST_F(RenderThreadTest, HidingWaitsForTheFrameInProgress) {
   for (int i = 0; i < 1000; ++i)
     std::this_thread::yield();
   EXPECT_FALSE(hidden);
-  stand_ins::OnCall("aglSwapBuffers", {});
   mayEnd.set_value();
   hider.join();
   EXPECT_FALSE(renderer->IsOpen());

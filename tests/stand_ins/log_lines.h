@@ -20,9 +20,10 @@ public:
   LogLines(const LogLines&) = delete;
   LogLines& operator=(const LogLines&) = delete;
 
-  /// The lines since the last call.
+  /// The lines since the last call, without the news that every opening brings.
   std::vector<std::string> Take() {
     const std::lock_guard lock(mutex_);
+    std::erase(lines_, " Halvenor : ARB shader support found!");
     return std::exchange(lines_, {});
   }
 

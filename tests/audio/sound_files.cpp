@@ -11,12 +11,27 @@
 #include <numbers>
 #include <vector>
 
-// ThreadSanitizer sees our own threads' locks but not those of GStreamer and GLib, which are built
-// without it: what it would say of accesses within them is noise.
-extern "C" const char* __tsan_default_options(); // NOLINT: the sanitizer's name
-extern "C" const char* __tsan_default_options() {
+// The sanitizers see our own code but not GStreamer and GLib, which are built without them.
+extern "C" {
+// NOLINTBEGIN: the sanitizers' names
+const char* __tsan_default_options();
+const char* __asan_default_options();
+const char* __lsan_default_suppressions();
+// They see none of those libraries' locks: what is said of accesses within them is noise.
+const char* __tsan_default_options() {
   return "ignore_noninstrumented_modules=1";
-} // NOLINT
+}
+// Whole stacks, so that a leak is suppressed for where it comes from.
+const char* __asan_default_options() {
+  return "fast_unwind_on_malloc=0";
+}
+const char* __lsan_default_suppressions() {
+  return "leak:ld-linux\n"                         // GLib's table of names, which outgrew its first
+         "leak:gst_structure_free\n"               // a web session on its way out
+         "leak:gst_device_provider_get_devices\n"; // a search for audio devices without a server
+}
+// NOLINTEND
+}
 
 namespace halvenor {
 

@@ -28,9 +28,8 @@ public:
   [[nodiscard]] std::string Path(const std::string& name) const { return root_ / name; }
 
   /// Writes `sound` through the elements described (such as "flacenc") and returns the path.
-  [[nodiscard]] std::string Write(const std::string& name, const std::string& encoder,
-                                  const Sound& sound) const;
-  [[nodiscard]] std::string WriteBytes(const std::string& name, const std::string& bytes) const;
+  std::string Write(const std::string& name, const std::string& encoder, const Sound& sound) const;
+  std::string WriteBytes(const std::string& name, const std::string& bytes) const;
   /// A copy of the first `share` of a file.
   [[nodiscard]] std::string Truncate(const std::string& path, double share) const;
 

@@ -10,7 +10,6 @@
 
 using halvenor::agl::RenderTarget;
 using halvenor::agl::Report;
-using halvenor::agl::Size;
 
 struct HalvenorPBuffer {
   HalvenorContext* context; ///< on which it was made

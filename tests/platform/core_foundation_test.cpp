@@ -66,7 +66,7 @@ protected:
   void TearDown() override { fs::remove_all(folder_); }
 
   [[nodiscard]] fs::path Make(const std::string& name, const std::string& info) const {
-    const fs::path contents = folder_ / name / "Contents";
+    fs::path contents = folder_ / name / "Contents";
     fs::create_directories(contents / "Resources");
     std::ofstream(contents / "Info.plist") << info;
     return contents;

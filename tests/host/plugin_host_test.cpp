@@ -210,9 +210,9 @@ TEST_F(PluginHostTest, SendsEachMessageWithItsRecord) {
 }
 
 TEST_F(PluginHostTest, SendsKeysAsEvents) {
-  const auto host = MakeActiveHost();
-  EventRecord event{};
+  EventRecord event{}; // these two outlive the host, which says goodbye
   Status used = status::kOk;
+  const auto host = MakeActiveHost();
   script_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
     if (code == message::kEvent) event = *record->event.event;
     return used;

@@ -1,7 +1,5 @@
 #include "gl/diagnostics.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
-#include "tests/stand_ins/stand_in_test.h"
+#include "tests/gl/context_test.h"
 
 #include <GL/gl.h>
 
@@ -10,7 +8,6 @@
 namespace halvenor {
 namespace {
 
-using stand_ins::LogLines;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -27,28 +24,7 @@ TEST(PascalText, IsCutAt255Characters) {
   }
 }
 
-class Diagnostics : public stand_ins::StandInTest {
-protected:
-  void SetUp() override {
-    StandInTest::SetUp();
-    const GLint attributes[] = {AGL_RGBA, AGL_NONE};
-    format_ = aglChoosePixelFormat(nullptr, 0, attributes);
-    context_ = aglCreateContext(format_, nullptr);
-    aglSetDrawable(context_, &port_);
-    aglSetCurrentContext(context_);
-  }
-  void TearDown() override {
-    aglSetCurrentContext(nullptr);
-    aglDestroyContext(context_);
-    aglDestroyPixelFormat(format_);
-    StandInTest::TearDown();
-  }
-
-  LogLines log_;
-  HalvenorPort port_ = stand_ins::OffscreenPort(8, 8);
-  AGLPixelFormat format_ = nullptr;
-  AGLContext context_ = nullptr;
-};
+using Diagnostics = ContextTest;
 
 TEST_F(Diagnostics, GLErrorsHaveTheirTexts) {
   const struct {

@@ -1,0 +1,147 @@
+#define GL_GLEXT_PROTOTYPES
+#include "gl/blur_arb.h"
+#include "tests/gl/context_test.h"
+#include "tests/stand_ins/bundle_stand_in.h"
+
+#include <GL/glext.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace halvenor {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class BlurARBTest : public ContextTest {
+protected:
+  void SetUp() override {
+    ContextTest::SetUp();
+    folder_ =
+        std::filesystem::temp_directory_path() / ("halvenor-programs-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder_);
+    stand_ins::SetResourcesFolder(folder_);
+  }
+  void TearDown() override {
+    std::filesystem::remove_all(folder_);
+    EXPECT_EQ(stand_ins::LiveReferences(), 0);
+    ContextTest::TearDown();
+  }
+  void Write(const char* name, std::string_view text) {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+  }
+  static std::string Load(const char* name) {
+    std::string text = "what was there before";
+    BlurARB::LoadFile(name, text);
+    return text;
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(BlurARBTest, FilesAreReadLineByLine) {
+  const struct {
+    std::string_view stored, read;
+  } cases[] = {{"a\nb", "a\nb\n"}, {"a\nb\n", "a\nb\n"}, {"", ""},
+               {"\n\n", "\n\n"},   {"a\r\n", "a\r\n"},   {"x", "x\n"}};
+  for (const auto& [stored, read] : cases) {
+    Write("text", stored);
+    EXPECT_EQ(Load("text"), read);
+  }
+  EXPECT_THAT(log_.Take(), IsEmpty());
+}
+
+TEST_F(BlurARBTest, FilesThatCannotBeReadAreReported) {
+  EXPECT_EQ(Load("missing.vp"), "");
+  EXPECT_EQ(Load("."), ""); // a folder opens, and gives nothing
+  Write("there", "text");
+  const std::string deep(600 - std::min<std::size_t>(600, folder_.string().size()), 'd');
+  stand_ins::SetResourcesFolder(folder_.string() + "/" + deep);
+  EXPECT_EQ(Load("there"), "");
+  stand_ins::SetResourcesFolder("/" + std::string(505, 'p')); // fits, but not with the name
+  EXPECT_EQ(Load("there"), "");
+  EXPECT_THAT(log_.Take(),
+              ElementsAre("Couldn't open file", "Couldn't open file", "Couldn't open file"));
+  stand_ins::Fail("CFBundleGetBundleWithIdentifier", 1, 1, 1);
+  EXPECT_EQ(Load("there"), "");
+  stand_ins::Fail("CFBundleCopyResourcesDirectoryURL", 1, 1, 1);
+  EXPECT_EQ(Load("there"), "");
+  EXPECT_THAT(log_.Take(), ElementsAre("Bad bundle", "Bad URL"));
+}
+
+TEST_F(BlurARBTest, ProgramsAreReplacedAndTheirErrorsReported) {
+  Write("good.vp", "!!ARBvp1.0\nEND\n");
+  GLuint program = 0;
+  for (int times = 0; times < 3; ++times) {
+    BlurARB::LoadShader("good.vp", program, GL_VERTEX_PROGRAM_ARB);
+    EXPECT_EQ(stand_ins::LivePrograms(), 1);
+    EXPECT_EQ(stand_ins::ProgramText(program), "!!ARBvp1.0\nEND\n");
+  }
+  EXPECT_THAT(log_.Take(), IsEmpty());
+  stand_ins::InjectProgramError(17, "no such register");
+  BlurARB::LoadShader("good.vp", program, GL_VERTEX_PROGRAM_ARB);
+  EXPECT_THAT(log_.Take(), ElementsAre("shader error at position: 17\nno such register\n"));
+  BlurARB::LoadShader("missing.vp", program, GL_VERTEX_PROGRAM_ARB);
+  EXPECT_THAT(log_.Take(),
+              ElementsAre("Couldn't open file", testing::StartsWith("shader error at position: ")));
+  glDeleteProgramsARB(1, &program);
+}
+
+TEST_F(BlurARBTest, LoadsFourProgramsAndBindsThemByPhase) {
+  for (const char* name : {"passThrough.vp", "blur.vp"})
+    Write(name, "!!ARBvp1.0\nEND\n");
+  for (const char* name : {"darken_ARB.fp", "blur_ARB.fp"})
+    Write(name, "!!ARBfp1.0\nEND\n");
+  {
+    BlurARB blur;
+    EXPECT_EQ(stand_ins::LivePrograms(), 4);
+    // Loaded in the order pass-through, darken, blur vertex, blur fragment: names 1 to 4.
+    stand_ins::ClearCalls();
+    blur.StartBlurGeneration();
+    blur.SetOffset(0.006F, 0.0F);
+    blur.EndBlurGeneration();
+    blur.StartBlurDrawing();
+    blur.EndBlurDrawing();
+    EXPECT_THAT(
+        stand_ins::CallTexts(),
+        ElementsAre("glEnable(GL_VERTEX_PROGRAM_ARB)", "glEnable(GL_FRAGMENT_PROGRAM_ARB)",
+                    "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 3)",
+                    "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 4)",
+                    "glProgramLocalParameter4fARB(GL_VERTEX_PROGRAM_ARB, 0, 0.006, 0, 0, 0)",
+                    "glDisable(GL_VERTEX_PROGRAM_ARB)", "glDisable(GL_FRAGMENT_PROGRAM_ARB)",
+                    "glEnable(GL_VERTEX_PROGRAM_ARB)", "glEnable(GL_FRAGMENT_PROGRAM_ARB)",
+                    "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 1)",
+                    "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 2)",
+                    "glDisable(GL_FRAGMENT_PROGRAM_ARB)", "glDisable(GL_VERTEX_PROGRAM_ARB)"));
+    stand_ins::ClearCalls();
+  }
+  EXPECT_EQ(stand_ins::CallTexts().size(), 4U); // deletions
+  EXPECT_THAT(log_.Take(), IsEmpty());
+}
+
+TEST_F(BlurARBTest, NeedsBothExtensionsByTheirWholeNames) {
+  const struct {
+    const char* list;
+    bool supported;
+  } cases[] = {{"GL_ARB_fragment_program GL_ARB_vertex_program", true},
+               {"GL_ARB_fragment_program", false},
+               {"GL_ARB_vertex_program", false},
+               {"GL_ARB_fragment_program_shadow GL_ARB_vertex_program", false},
+               {"", false}};
+  for (const auto& [list, supported] : cases) {
+    stand_ins::SetExtensions(list);
+    EXPECT_EQ(BlurARB::Supported(), supported) << list;
+    if (supported) continue;
+    EXPECT_THAT(log_.Take(), ElementsAre(" Halvenor : ARB Shaders not supported!"));
+    const BlurARB blur;
+    EXPECT_EQ(stand_ins::LivePrograms(), 0);
+    EXPECT_THAT(log_.Take(),
+                ElementsAre(" Halvenor : Pixel shaders not supported.  How did we get here??"));
+  }
+}
+
+} // namespace
+} // namespace halvenor

@@ -101,13 +101,14 @@ HALVENOR_PLATFORM GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum t
 HALVENOR_PLATFORM GLboolean aglDestroyPBuffer(AGLPbuffer pbuffer);
 
 /// Makes the texture that is bound to GL_TEXTURE_2D show the buffer's `source` (GL_FRONT) from now
-/// on, without copying. The texture must live as long as the buffer is drawn into.
+/// on, without copying. The texture must live as long as the buffer is drawn into. When it fails,
+/// nobody sees what is drawn into the buffer.
 HALVENOR_PLATFORM GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer,
                                                GLint source);
 
-/// Makes `context` current and directs its drawing to `pbuffer` (which shows in a texture already)
-/// until it is directed elsewhere. `aglSwapBuffers` then completes the drawing and shows nothing in
-/// the port. Texturing from a buffer while drawing into it is undefined.
+/// Makes `context` current and directs its drawing to `pbuffer` until it is directed elsewhere.
+/// `aglSwapBuffers` then completes the drawing and shows nothing in the port. Texturing from a
+/// buffer while drawing into it is undefined.
 HALVENOR_PLATFORM GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face,
                                           GLint level, GLint screen);
 /// The screen argument for `aglSetPBuffer`.

@@ -14,7 +14,6 @@ using halvenor::agl::Report;
 struct HalvenorPBuffer {
   HalvenorContext* context; ///< on which it was made
   RenderTarget target;
-  bool isShown = false; ///< a texture is its colour buffer
 };
 
 namespace {
@@ -66,15 +65,15 @@ GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer, GLint sourc
   GLint texture = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
   if (texture == 0) return Report(AGL_BAD_VALUE);
-  pbuffer->isShown = pbuffer->target.ShowInBoundTexture();
+  const bool isShown = pbuffer->target.ShowInBoundTexture();
   context->Rebind();
-  return Report(pbuffer->isShown ? AGL_NO_ERROR : AGL_NO_BUFFER);
+  return Report(isShown ? AGL_NO_ERROR : AGL_NO_BUFFER);
 }
 
 GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face, GLint level,
                         GLint screen) {
   if (const GLenum fault = FaultOf(context, pbuffer); fault != AGL_NO_ERROR) return Report(fault);
-  if (face != 0 || level != 0 || screen != 0 || !pbuffer->isShown) return Report(AGL_BAD_VALUE);
+  if (face != 0 || level != 0 || screen != 0) return Report(AGL_BAD_VALUE);
   return Report(context->Attach(pbuffer->target));
 }
 

@@ -97,11 +97,11 @@ bool RenderTarget::ShowInBoundTexture() {
   Bind();
   glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
                          static_cast<GLuint>(texture), 0);
+  const bool isShown = IsComplete();
   glDeleteRenderbuffers(1, &color_);
-  color_ = 0;
-  if (IsComplete()) return true;
-  DropErrors();
-  return false;
+  color_ = isShown ? 0 : AddBuffer(GL_COLOR_ATTACHMENT0, GL_RGBA8, size_);
+  if (!isShown) DropErrors();
+  return isShown;
 }
 
 void RenderTarget::Bind() const {

@@ -31,8 +31,8 @@ public:
   [[nodiscard]] GLuint Name() const { return frameBuffer_; }
 
   /// Gives the texture bound to GL_TEXTURE_2D this target's size and makes it the colour buffer.
-  /// The picture is undefined until it is cleared. Leaves the target bound. False when the driver
-  /// cannot do it; then nothing can be drawn here.
+  /// The picture is undefined until it is cleared. Leaves the target bound. False, with no GL
+  /// error pending, when the driver cannot do it; then nobody sees what is drawn here.
   [[nodiscard]] bool ShowInBoundTexture();
 
   /// Directs drawing and reading here.

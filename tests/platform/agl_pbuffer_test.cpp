@@ -147,6 +147,25 @@ TEST_F(PBufferTest, FailuresAndReleasesLeaveNothing) {
   EXPECT_EQ(port.image.At(3, 3), kGreen);
 }
 
+TEST_F(PBufferTest, ATextureThatCannotShowABufferIsToldAndSurvived) {
+  AGLPbuffer pbuffer = nullptr;
+  ASSERT_TRUE(aglCreatePBuffer(kSide, kSide, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));
+  GLuint depth = 0;
+  glGenTextures(1, &depth);
+  glBindTexture(GL_TEXTURE_2D, depth);
+  glTexStorage2D(GL_TEXTURE_2D, 1, GL_DEPTH_COMPONENT24, kSide, kSide);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_FALSE(aglTexImagePBuffer(context.context, pbuffer, GL_FRONT));
+    EXPECT_EQ(aglGetError(), GLenum{AGL_NO_BUFFER});
+    ASSERT_TRUE(aglSetPBuffer(context.context, pbuffer, 0, 0, 0));
+    FillPixels(0, 0, kSide, kSide, kRed);
+    EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+    aglSwapBuffers(context.context);
+  }
+  EXPECT_EQ(port.frames, 0);
+  EXPECT_TRUE(aglDestroyPBuffer(pbuffer));
+}
+
 TEST_F(PBufferTest, AContextEndsWithABufferAsItsTarget) {
   AGLPbuffer pbuffer = nullptr;
   ASSERT_TRUE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));

@@ -139,8 +139,8 @@ GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face, GLin
   if (!MayGoOn(Function::aglSetPBuffer, context, fault)) return GL_FALSE;
   const GLenum error = FaultOf(Function::aglSetPBuffer, context, pbuffer);
   if (error != AGL_NO_ERROR) return Refuse(error);
-  if (face != 0 || level != 0 || screen != 0 || pbuffer->texture == 0) return Refuse(AGL_BAD_VALUE);
-  if (!IsLiveTexture(pbuffer->texture)) {
+  if (face != 0 || level != 0 || screen != 0) return Refuse(AGL_BAD_VALUE);
+  if (pbuffer->texture != 0 && !IsLiveTexture(pbuffer->texture)) {
     ReportPBufferMisuse(Function::aglSetPBuffer, pbuffer, "has lost its texture");
   }
   if (CurrentContext() != context) Switch(Function::aglSetPBuffer, context);

@@ -46,6 +46,7 @@
   X(2, glVertex2f, "nn")                                                                           \
   X(3, glVertex3f, "nnn")                                                                          \
   X(4, glViewport, "nnnn")                                                                         \
+  X(7, gluBuild2DMipmaps, "ennnee*")                                                               \
   X(2, gluCheckExtension, "**")
 
 /// Enumerants that recorded calls show by name. Blend factors and primitives share small numbers
@@ -60,6 +61,7 @@
   X(GL_FRAGMENT_PROGRAM_ARB)                                                                       \
   X(GL_FRONT)                                                                                      \
   X(GL_LINEAR)                                                                                     \
+  X(GL_LINEAR_MIPMAP_LINEAR)                                                                       \
   X(GL_LINE_SMOOTH)                                                                                \
   X(GL_NEAREST)                                                                                    \
   X(GL_NICEST)                                                                                     \

@@ -156,9 +156,10 @@ std::string EnumerantText(GLenum value) {
 #define HALVENOR_PARAMETERS_6(f)                                                                   \
   HALVENOR_PARAMETERS_4(f), halvenor::stand_ins::ArgumentOf<decltype(f), 4> e,                     \
       halvenor::stand_ins::ArgumentOf<decltype(f), 5> g
+#define HALVENOR_PARAMETERS_7(f)                                                                   \
+  HALVENOR_PARAMETERS_6(f), halvenor::stand_ins::ArgumentOf<decltype(f), 6> h
 #define HALVENOR_PARAMETERS_9(f)                                                                   \
-  HALVENOR_PARAMETERS_6(f), halvenor::stand_ins::ArgumentOf<decltype(f), 6> h,                     \
-      halvenor::stand_ins::ArgumentOf<decltype(f), 7> i,                                           \
+  HALVENOR_PARAMETERS_7(f), halvenor::stand_ins::ArgumentOf<decltype(f), 7> i,                     \
       halvenor::stand_ins::ArgumentOf<decltype(f), 8> j
 #define HALVENOR_ARGUMENTS_0
 #define HALVENOR_ARGUMENTS_1 , a
@@ -166,6 +167,7 @@ std::string EnumerantText(GLenum value) {
 #define HALVENOR_ARGUMENTS_3 , a, b, c
 #define HALVENOR_ARGUMENTS_4 , a, b, c, d
 #define HALVENOR_ARGUMENTS_6 , a, b, c, d, e, g
+#define HALVENOR_ARGUMENTS_7 , a, b, c, d, e, g, h
 #define HALVENOR_ARGUMENTS_9 , a, b, c, d, e, g, h, i, j
 
 #define HALVENOR_DEFINE(arity, name, kinds)                                                        \

@@ -132,10 +132,7 @@ bool Run::Finish() {
   progress_.reset();
   if (show_) {
     show_->Stop();
-    const std::string log = show_->TakeLog();
     show_.reset();
-    if (!log.empty() && options_.progress != ProgressKind::Quiet)
-      Fail(0, "the plug-in reports: " + log);
   }
   if (output_ && !output_->Finish()) {
     error_ = output_->Error();

@@ -36,9 +36,6 @@ public:
   /// The music has ended.
   void Stop();
 
-  /// What the plug-in has written to the debug log since the last call; empty: nothing.
-  std::string TakeLog() { return log_.TakeText(); }
-
 private:
   explicit OffscreenShow(const Options& options);
   bool Start(const Options& options, std::string& error);

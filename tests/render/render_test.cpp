@@ -1,0 +1,248 @@
+// What halvenor-render shows, when, and in which files.
+#include "host/audio_reader.h"
+#include "render/time_line.h"
+#include "tests/render/program_run.h"
+#include "tests/render/witness_plugin.h"
+
+#include <gmock/gmock.h>
+#include <gst/gst.h>
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <signal.h>
+#include <thread>
+
+namespace halvenor {
+namespace {
+
+using render::TimeOfFrame;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr std::size_t kWitnessFrame = 64 * 48 * 4;
+const Arguments kWitness{"--plugin", WITNESS_PLUGIN, "--size", "64x48", "--quiet"};
+
+Arguments operator+(Arguments left, const Arguments& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+std::vector<Testimony> Testimonies(const std::string& frames) {
+  EXPECT_EQ(frames.size() % kWitnessFrame, 0u);
+  std::vector<Testimony> testimonies(frames.size() / kWitnessFrame);
+  for (std::size_t i = 0; i < testimonies.size(); ++i)
+    std::memcpy(&testimonies[i], frames.data() + i * kWitnessFrame, sizeof(Testimony));
+  return testimonies;
+}
+
+// `count` records, the first waveform byte of each its number.
+std::string MarkedRecords(int count) {
+  std::string records;
+  for (int i = 0; i < count; ++i) {
+    records += std::string(sizeof(RenderVisualData), '\0');
+    records[records.size() - sizeof(RenderVisualData) + 1] = static_cast<char>(i);
+  }
+  return records;
+}
+
+class RenderTest : public testing::Test {
+protected:
+  RunResult Succeed(const Arguments& arguments) {
+    RunResult result = program_.Run(arguments);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    return result;
+  }
+
+  ProgramRun program_;
+};
+
+TEST_F(RenderTest, FramesAndRecordsComeAtTheirTimes) {
+  program_.Folder().WriteBytes("r", MarkedRecords(20));
+  const struct {
+    const char* fps;
+    render::FrameRate rate;
+    const char* start;
+    const char* duration;
+    std::size_t frames;
+    std::uint64_t firstRecord;
+  } cases[] = {
+      {"60", {60, 1}, "0", "0.5", 30, 0},
+      {"30000/1001", {30000, 1001}, "0", "0.5", 15, 0},
+      {"29.97", {2997, 100}, "0.25", "0.5", 15, 5},
+      {"7", {7, 1}, "0", "100", 7, 0}, // to the end of the records
+      {"200", {200, 1}, "0.97", "100", 10, 19},
+      {"0.5", {1, 2}, "0", "1", 1, 0},
+  };
+  for (const auto& [fps, rate, start, duration, frames, firstRecord] : cases) {
+    const RunResult result =
+        Succeed(kWitness + Arguments{"--records", "r", "--fps", fps, "--start", start, "--duration",
+                                     duration, "-o", "-"});
+    const std::vector<Testimony> seen = Testimonies(result.output);
+    ASSERT_EQ(seen.size(), frames) << fps;
+    EXPECT_EQ(seen[0].time - seen[0].shownAt, TimeOfFrame(1, rate));
+    for (std::size_t i = 0; i < frames; ++i) {
+      const std::uint64_t time = seen[i].time - seen[0].time;
+      EXPECT_EQ(time, TimeOfFrame(i, rate)) << fps;
+      const std::uint64_t record = time / 50'000'000;
+      EXPECT_EQ(seen[i].deliveries, record + 1) << fps << " frame " << i;
+      EXPECT_EQ(seen[i].lastMark, firstRecord + record) << fps << " frame " << i;
+    }
+  }
+  EXPECT_EQ(TimeOfFrame(30000ull * 3600, {30000, 1001}), 3603'600'000'000'000ull) << "it drifts";
+}
+
+TEST_F(RenderTest, ThePluginIsToldWhatItShows) {
+  const std::string sound = program_.Folder().Write(
+      "Tune.flac", "taginject tags=\"title=\\\"Été\\\",artist=\\\"Щука\\\"\" ! flacenc",
+      {.seconds = 0.3, .wave = Sine(440)});
+  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
+  const struct {
+    Arguments settings;
+    const char* stored;
+  } cases[] = {
+      {{}, "nothing"},
+      {{"--set", "fade=0.5", "--set", "glow=off"}, "0.500000"},
+      {{"--preferences", "."}, "nothing"},
+  };
+  for (const auto& [settings, stored] : cases) {
+    std::filesystem::remove(program_.Path("log"));
+    const RunResult result = Succeed(kWitness + settings + Arguments{"-o", "x.png", "Tune.flac"});
+    EXPECT_EQ(program_.Read("log"),
+              std::string("init ") + stored + "\nshow\nplay \x83t\x8E by Shchuka\nhide\nclr\n");
+    EXPECT_EQ(result.output, "") << "standard output is for frames alone";
+    EXPECT_THAT(result.errors, HasSubstr("a library that prints"));
+  }
+}
+
+std::string PngPixels(const std::string& path) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  EXPECT_TRUE(png_image_begin_read_from_file(&image, path.c_str()));
+  EXPECT_EQ(image.format & PNG_FORMAT_FLAG_ALPHA, 0u) << "a picture that can be seen through";
+  image.format = PNG_FORMAT_RGB;
+  std::string pixels(PNG_IMAGE_SIZE(image), '\0');
+  EXPECT_TRUE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr));
+  return pixels;
+}
+
+TEST_F(RenderTest, PicturesShowTheRawFrames) {
+  program_.Folder().WriteBytes("r", MarkedRecords(3));
+  const Arguments show = kWitness + Arguments{"--records", "r", "--fps", "20", "-o"};
+  Succeed(show + Arguments{"raw.rgba"});
+  Succeed(show + Arguments{"last.png"});
+  Succeed(show + Arguments{"n%03d.png"});
+  EXPECT_THAT(program_.Names(),
+              ElementsAre("last.png", "n000.png", "n001.png", "n002.png", "r", "raw.rgba"));
+  const std::string raw = program_.Read("raw.rgba");
+  ASSERT_EQ(raw.size(), 3 * kWitnessFrame);
+  for (std::size_t frame = 0; frame < 3; ++frame) {
+    std::string opaque;
+    for (std::size_t i = 0; i < kWitnessFrame; i += 4)
+      opaque += raw.substr(frame * kWitnessFrame + i, 3);
+    EXPECT_EQ(PngPixels(program_.Path("n00" + std::to_string(frame) + ".png")), opaque);
+    if (frame == 2) {
+      EXPECT_EQ(PngPixels(program_.Path("last.png")), opaque);
+    }
+  }
+}
+
+TEST_F(RenderTest, RunsRepeatToTheByte) {
+  program_.Folder().Write("s.flac", "flacenc",
+                          {.seconds = 1.2, .wave = [](double time, int channel) {
+                             return 0.5 * std::sin(time * time * 9000 * (channel + 1));
+                           }});
+  const Arguments real{"--size", "320x240", "--fps", "30", "--quiet", "s.flac"};
+  for (const std::string kind : {"rgba", "png", "mp4", "webm", "mkv"}) {
+    Succeed(real + Arguments{"-o", "one." + kind, "--dump-records", "records"});
+    // Files tell the second in which they were made.
+    if (kind == "mp4") std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    Succeed(real + Arguments{"-o", "two." + kind});
+    const std::string one = program_.Read("one." + kind);
+    EXPECT_FALSE(one.empty());
+    EXPECT_TRUE(one == program_.Read("two." + kind)) << kind;
+  }
+  EXPECT_EQ(program_.Read("records").size(), 24 * sizeof(RenderVisualData));
+  Succeed(real + Arguments{"-o", "two.rgba", "--records", "records"});
+  EXPECT_TRUE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "from the dumped records";
+  Succeed(real + Arguments{"-o", "two.rgba", "--set", "numLines=3"});
+  EXPECT_FALSE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "with other settings";
+}
+
+// The presentation times of the video frames in a file, nanoseconds.
+std::vector<GstClockTime> FrameTimes(const std::string& path) {
+  gst_init(nullptr, nullptr);
+  const std::string description = "filesrc location=" + path +
+                                  " ! decodebin ! video/x-raw ! fakesink name=sink sync=false "
+                                  "signal-handoffs=true";
+  GstElement* const pipeline = gst_parse_launch(description.c_str(), nullptr);
+  GstElement* const sink = gst_bin_get_by_name(GST_BIN(pipeline), "sink");
+  std::vector<GstClockTime> times;
+  const auto note = +[](GstElement*, GstBuffer* buffer, GstPad*, std::vector<GstClockTime>* all) {
+    all->push_back(GST_BUFFER_PTS(buffer));
+  };
+  g_signal_connect(sink, "handoff", G_CALLBACK(note), &times);
+  gst_element_set_state(pipeline, GST_STATE_PLAYING);
+  GstBus* const bus = gst_element_get_bus(pipeline);
+  constexpr auto kEnds = static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR);
+  GstMessage* const end = gst_bus_timed_pop_filtered(bus, 20 * GST_SECOND, kEnds);
+  EXPECT_TRUE(end && GST_MESSAGE_TYPE(end) == GST_MESSAGE_EOS) << path;
+  if (end) gst_message_unref(end);
+  gst_element_set_state(pipeline, GST_STATE_NULL);
+  gst_object_unref(bus);
+  gst_object_unref(sink);
+  gst_object_unref(pipeline);
+  return times;
+}
+
+TEST_F(RenderTest, VideosHoldEveryFrameAndTheSoundInStep) {
+  constexpr double kClick = 0.9;
+  program_.Folder().Write("s.wav", "wavenc", {.seconds = 2, .wave = [&](double time, int) {
+                                                return std::abs(time - kClick) < 0.0005 ? 0.9 : 0.0;
+                                              }});
+  for (const std::string name : {"x.mp4", "x.webm", "x.mkv"}) {
+    Succeed(kWitness +
+            Arguments{"--fps", "25", "--start", "0.4", "--duration", "1.4", "-o", name, "s.wav"});
+    const std::vector<GstClockTime> times = FrameTimes(program_.Path(name));
+    ASSERT_EQ(times.size(), 35u) << name;
+    for (std::size_t i = 0; i < times.size(); ++i)
+      EXPECT_NEAR(static_cast<double>(times[i] - times[0]), static_cast<double>(i) * 4e7, 1e6);
+
+    std::string error;
+    const auto reader = AudioReader::Open(program_.Path(name), {}, error);
+    ASSERT_TRUE(reader) << error;
+    std::vector<float> sound;
+    while (const AnalysedSound* const next = reader->Next())
+      sound.insert(sound.end(), next->sound.begin(), next->sound.end());
+    EXPECT_NEAR(static_cast<double>(sound.size()) / 2 / kAnalysisRate, 1.4, 0.03) << name;
+    const auto loudest = std::max_element(
+        sound.begin(), sound.end(), [](float a, float b) { return std::abs(a) < std::abs(b); });
+    EXPECT_NEAR(static_cast<double>(loudest - sound.begin()) / 2 / kAnalysisRate, kClick - 0.4,
+                0.004)
+        << name;
+  }
+}
+
+TEST_F(RenderTest, ASignalCleansUp) {
+  program_.Folder().Write("s.flac", "flacenc", {.seconds = 30, .wave = Sine(440)});
+  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
+  for (const auto& [signal, output] :
+       {std::pair(SIGINT, "x.mp4"), std::pair(SIGTERM, "x.rgba"), std::pair(SIGINT, "x.png")}) {
+    std::filesystem::remove(program_.Path("log"));
+    const pid_t process = program_.Start({"--plugin", WITNESS_PLUGIN, "--size", "1280x720", "-o",
+                                          output, "--dump-records", "r", "s.flac"});
+    for (int i = 0; i < 1000 && program_.Read("log").find("play") == std::string::npos; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    kill(process, signal);
+    EXPECT_EQ(program_.Wait(process).exitCode, 128 + signal);
+    EXPECT_THAT(program_.Read("log"), testing::EndsWith("hide\nclr\n"));
+    EXPECT_THAT(program_.Names(), ElementsAre("log", "s.flac")) << output;
+  }
+}
+
+} // namespace
+} // namespace halvenor

@@ -113,6 +113,7 @@ void Renderer::Render(VisualPluginData* data) {
   if (isOpen == 0 || data == nullptr) return;
   if (EnterNewFrame(data) == 0) return;
   inFrame = 1;
+  if (data->settings.autopilot != 0) UpdateSettings(data);
   spectrum.PreProcess(data);
   const bool offscreen = blur.StartDrawing();
   if (offscreen) DrawOffscreen(*data);

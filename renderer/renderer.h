@@ -4,10 +4,13 @@
 #include "gl/pbuffer_blur.h"
 #include "platform/carbon.h"
 #include "protocol/visual_plugin_data.h"
+#include "renderer/configuration_actions.h"
 #include "renderer/display.h"
 #include "scene/spectrum.h"
 
+#include <array>
 #include <cstdint>
+#include <string>
 
 namespace halvenor {
 
@@ -16,6 +19,9 @@ namespace halvenor {
 /// while a frame is drawn.
 class Renderer {
 public:
+  /// How many values of a look the autopilot moves.
+  static constexpr std::size_t kDriftingValueCount = 11;
+
   Renderer();
   ~Renderer();
   Renderer(const Renderer&) = delete;
@@ -38,6 +44,15 @@ public:
   /// Acts on a key. 0 when it is a command, -4 when the host may use it.
   Status KeyboardInput(VisualPluginData* data, char key);
 
+  /// A fresh random look at once.
+  void RandomizeSettings(VisualPluginData* data);
+
+  /// The autopilot: called once a frame, it lets the look drift, at most 20 times a second.
+  void UpdateSettings(VisualPluginData* data);
+
+  /// Where keys that concern presets go; null: nowhere. Must outlive the renderer.
+  void SetConfigurationActions(const ConfigurationActions* actions) { configuration = actions; }
+
   [[nodiscard]] bool IsOpen() const { return isOpen != 0; }
   /// Smoothed frames per second.
   [[nodiscard]] float FramesPerSecond() const { return fps; }
@@ -54,18 +69,40 @@ private:
   void StartWindow();
   void DrawLinesDirectly();
   void DrawText(VisualPluginData* data);
+  struct TextUnits;
+  void DrawTrackLines(const VisualPluginData& data, const TextUnits& units) const;
+  void DrawPanel(const Settings& settings, const TextUnits& units) const;
+  void DrawFrameRate(const TextUnits& units) const;
+  void DrawMessage(const TextUnits& units);
   void ReportFrameErrors();
   /// Releases what an opening has made, the context last.
   void ReleaseResources();
+
+  struct KeyCommand;
+  static const KeyCommand kKeyCommands[];
+  void ShowMessage(const char* text);
+  void ToggleAutopilot(VisualPluginData* data);
+  void ToggleHelp(VisualPluginData* data);
+  void ToggleSettings(VisualPluginData* data);
+  void LogSettings(VisualPluginData* data);
+  void RandomizeAndHold(VisualPluginData* data);
+  void SavePreset(VisualPluginData* data);
+  void DoNothing(VisualPluginData* data);
 
   PBufferBlur blur; ///< the feedback image and the glow
   Spectrum spectrum;
   Display display;
   std::int32_t isOpen = 0;
   std::int32_t inFrame = 0; ///< raised while a frame is drawn
+  std::int32_t showSettings = 0;
+  std::int32_t showHelp = 0;
+  std::string message;      ///< what the last command said
+  float messageTime = 0.0F; ///< seconds it stays
   AbsoluteTime lastFrameTime;
   float fps = 0.0F;
   float frameScale = 0.0F;
+  std::array<float, kDriftingValueCount> autopilotTargets{};
+  const ConfigurationActions* configuration = nullptr;
 };
 
 } // namespace halvenor

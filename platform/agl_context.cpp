@@ -6,6 +6,7 @@
 #include <EGL/eglext.h>
 
 #include <cstring>
+#include <utility>
 
 using namespace halvenor::agl;
 
@@ -40,10 +41,6 @@ bool HasFrameBufferObjects() {
 }
 
 } // namespace
-
-HalvenorContext::~HalvenorContext() {
-  Unrealise();
-}
 
 HalvenorContext* HalvenorContext::Current() {
   // Somebody else may have made a context of his own current since.
@@ -80,18 +77,26 @@ GLenum HalvenorContext::Realise() {
   handle_ = eglCreateContext(display_->Handle(), EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, nullptr);
   if (handle_ == EGL_NO_CONTEXT) LogEgl("eglCreateContext");
   eglBindAPI(api);
-  if (handle_ != EGL_NO_CONTEXT && Bind(EGL_NO_SURFACE)) {
-    if (HasFrameBufferObjects()) nowhere_ = RenderTarget::Make({1, 1}, depth_);
-    if (nowhere_) {
-      const Size size = BufferSize();
-      glViewport(0, 0, size.width, size.height);
-      glScissor(0, 0, size.width, size.height);
-      return AGL_NO_ERROR;
-    }
-    Log("the OpenGL driver lacks frame buffer objects");
+  if (handle_ == EGL_NO_CONTEXT) {
+    display_.reset();
+    return AGL_NO_OPENGL;
   }
-  Unrealise();
-  return AGL_NO_OPENGL;
+  if (!Bind(EGL_NO_SURFACE)) {
+    LogEgl("eglMakeCurrent");
+    eglDestroyContext(display_->Handle(), std::exchange(handle_, EGL_NO_CONTEXT));
+    display_.reset();
+    return AGL_NO_OPENGL;
+  }
+  if (HasFrameBufferObjects()) nowhere_ = RenderTarget::Make({1, 1}, depth_);
+  if (!nowhere_) {
+    Log("the OpenGL driver lacks frame buffer objects");
+    Unrealise();
+    return AGL_NO_OPENGL;
+  }
+  const Size size = BufferSize();
+  glViewport(0, 0, size.width, size.height);
+  glScissor(0, 0, size.width, size.height);
+  return AGL_NO_ERROR;
 }
 
 GLenum HalvenorContext::Unrealise() {

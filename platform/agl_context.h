@@ -21,7 +21,7 @@ struct HalvenorPixelFormat {
 struct HalvenorContext {
 public:
   explicit HalvenorContext(const HalvenorPixelFormat& format) : depth_(format.depth) {}
-  ~HalvenorContext();
+  ~HalvenorContext() = default;
   HalvenorContext(const HalvenorContext&) = delete;
   HalvenorContext& operator=(const HalvenorContext&) = delete;
 
@@ -43,8 +43,8 @@ public:
   GLenum MakeCurrent();
   GLenum Update();
   GLenum Swap();
-  /// Releases everything on the GL's side; what remains is as new. Fails without effect when it is
-  /// current on another thread.
+  /// Releases everything on the GL's side, which has to come before its end. Fails without effect
+  /// when it is current on another thread.
   GLenum Unrealise();
 
 private:

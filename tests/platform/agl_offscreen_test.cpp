@@ -118,7 +118,7 @@ TEST_F(OffscreenTest, ReattachingMakesNothingAndDetachedDrawingIsLost) {
   glDeleteFramebuffers(1, &after);
 }
 
-TEST_F(OffscreenTest, TheDepthBufferWorks) {
+TEST_F(OffscreenTest, TheBufferHasTheChannelsAskedFor) {
   OffscreenPort port(4, 4);
   const TestContext context(&port.port);
   ASSERT_TRUE(aglSetCurrentContext(context.context));

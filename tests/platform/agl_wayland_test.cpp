@@ -25,44 +25,53 @@ protected:
     screen = XOpenDisplay(xServer.DisplayName().c_str());
     display = wl_display_connect(server.SocketName().c_str());
     ASSERT_NE(display, nullptr);
-    wl_registry* registry = wl_display_get_registry(display);
+    wl_registry* registry = Keep(wl_display_get_registry(display));
     static constexpr wl_registry_listener kListener = {
         [](void* self, wl_registry* all, std::uint32_t name, const char* interface,
            std::uint32_t /*version*/) {
           auto* test = static_cast<WaylandTest*>(self);
           if (std::strcmp(interface, wl_compositor_interface.name) == 0)
-            test->compositor = static_cast<wl_compositor*>(
-                wl_registry_bind(all, name, &wl_compositor_interface, 1));
+            test->compositor = test->Keep(static_cast<wl_compositor*>(
+                wl_registry_bind(all, name, &wl_compositor_interface, 1)));
           if (std::strcmp(interface, xdg_wm_base_interface.name) == 0)
-            test->shell =
-                static_cast<xdg_wm_base*>(wl_registry_bind(all, name, &xdg_wm_base_interface, 1));
+            test->shell = test->Keep(
+                static_cast<xdg_wm_base*>(wl_registry_bind(all, name, &xdg_wm_base_interface, 1)));
         },
         [](void*, wl_registry*, std::uint32_t) {}};
     wl_registry_add_listener(registry, &kListener, this);
     wl_display_roundtrip(display);
     ASSERT_NE(compositor, nullptr);
     ASSERT_NE(shell, nullptr);
-    surface = wl_compositor_create_surface(compositor);
+    surface = Keep(wl_compositor_create_surface(compositor));
     port.kind = kHalvenorPortWaylandSurface;
     port.bounds = MakeRect(64, 48);
     port.waylandDisplay = display;
     port.waylandSurface = surface;
   }
   void TearDown() override {
+    for (auto proxy = proxies.rbegin(); proxy != proxies.rend(); ++proxy)
+      wl_proxy_destroy(*proxy);
     if (display != nullptr) wl_display_disconnect(display);
     if (screen != nullptr) XCloseDisplay(screen);
     GlTest::TearDown();
   }
 
+  /// Disconnecting does not free the objects of a connection.
+  template <typename Object>
+  Object* Keep(Object* object) {
+    proxies.push_back(reinterpret_cast<wl_proxy*>(object));
+    return object;
+  }
+
   /// Makes the surface a window; it shows with its first picture.
   void Show() {
-    xdg_surface* window = xdg_wm_base_get_xdg_surface(shell, surface);
+    xdg_surface* window = Keep(xdg_wm_base_get_xdg_surface(shell, surface));
     static constexpr xdg_surface_listener kListener = {
         [](void*, xdg_surface* configured, std::uint32_t serial) {
           xdg_surface_ack_configure(configured, serial);
         }};
     xdg_surface_add_listener(window, &kListener, nullptr);
-    xdg_surface_get_toplevel(window);
+    Keep(xdg_surface_get_toplevel(window));
     wl_surface_commit(surface);
     wl_display_roundtrip(display);
   }
@@ -95,6 +104,7 @@ protected:
   WaylandServer server{xServer};
   Display* screen = nullptr;
   wl_display* display = nullptr;
+  std::vector<wl_proxy*> proxies;
   wl_compositor* compositor = nullptr;
   xdg_wm_base* shell = nullptr;
   wl_surface* surface = nullptr;
@@ -137,6 +147,20 @@ TEST_F(WaylandTest, AFrozenCompositorDoesNotBlock) {
   port.bounds = MakeRect(100, 80);
   ASSERT_TRUE(aglUpdateContext(context.context));
   DrawAndExpect(context, 0, 0, 100, 80);
+}
+
+TEST_F(WaylandTest, OpeningAndClosingLeavesNothing) {
+  Show();
+  std::ptrdiff_t files = 0;
+  for (int i = 0; i < 20; ++i) {
+    const TestContext context(&port);
+    ASSERT_TRUE(aglSetCurrentContext(context.context));
+    DrawMany(context);
+    if (i == 5) files = OpenFiles();
+    if (i == 19) {
+      EXPECT_LE(OpenFiles(), files);
+    }
+  }
 }
 
 TEST_F(WaylandTest, EglOnTheConnectionIsLeftAsItWasFound) {

@@ -99,6 +99,19 @@ TEST_F(X11Test, AWindowMayVanishWhileItIsDrawnTo) {
   XSetErrorHandler(nullptr);
 }
 
+TEST_F(X11Test, OpeningAndClosingLeavesNothing) {
+  std::ptrdiff_t files = 0;
+  for (int i = 0; i < 20; ++i) {
+    const TestContext context(&port);
+    ASSERT_TRUE(aglSetCurrentContext(context.context));
+    aglSwapBuffers(context.context);
+    if (i == 5) files = OpenFiles();
+    if (i == 19) {
+      EXPECT_EQ(OpenFiles(), files);
+    }
+  }
+}
+
 TEST_F(X11Test, WithoutAServerThereIsNoDisplay) {
   port.x11DisplayName = "localhost:nowhere";
   const TestContext context(&port);

@@ -1,0 +1,162 @@
+// Contexts beside those of the host and of other threads, and what they leave behind.
+#include "tests/platform/gl_fixture.h"
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <fstream>
+#include <thread>
+#include <unistd.h>
+
+namespace halvenor {
+namespace {
+
+using ContextTest = GlTest;
+
+/// A context of the host's own, for another API than the plug-in's, current on this thread.
+class HostContext {
+public:
+  HostContext() {
+    display_ = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    EXPECT_TRUE(eglInitialize(display_, nullptr, nullptr));
+    eglBindAPI(EGL_OPENGL_ES_API);
+    const EGLint version[] = {EGL_CONTEXT_MAJOR_VERSION, 2, EGL_NONE};
+    context_ = eglCreateContext(display_, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, version);
+    MakeCurrent();
+  }
+  ~HostContext() {
+    eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglDestroyContext(display_, context_);
+  }
+  HostContext(const HostContext&) = delete;
+  HostContext& operator=(const HostContext&) = delete;
+
+  void MakeCurrent() const {
+    EXPECT_TRUE(eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, context_));
+  }
+  [[nodiscard]] bool IsCurrent() const {
+    return eglGetCurrentContext() == context_ && eglQueryAPI() == EGL_OPENGL_ES_API;
+  }
+
+private:
+  EGLDisplay display_;
+  EGLContext context_;
+};
+
+TEST_F(ContextTest, TheHostsEglContextIsPutBack) {
+  const HostContext host;
+  OffscreenPort port(16, 16);
+  TestContext context(&port.port);
+  TestContext other(&port.port);
+  aglSetCurrentContext(nullptr);
+  EXPECT_TRUE(host.IsCurrent()) << "with nothing of ours current, null does nothing";
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(aglSetCurrentContext(other.context));
+    ASSERT_TRUE(aglSetCurrentContext(context.context));
+    DrawQuarters(16, 16);
+    aglSwapBuffers(context.context);
+    EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+    EXPECT_FALSE(host.IsCurrent());
+    EXPECT_TRUE(aglSetCurrentContext(nullptr));
+    EXPECT_TRUE(host.IsCurrent());
+  }
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  other.Destroy();
+  EXPECT_TRUE(aglSetCurrentContext(context.context));
+  context.Destroy();
+  EXPECT_TRUE(host.IsCurrent());
+}
+
+TEST_F(ContextTest, TheHostMayTakeTheThreadFromAContext) {
+  const HostContext host;
+  OffscreenPort port(16, 16);
+  const TestContext context(&port.port);
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  host.MakeCurrent();
+  aglSwapBuffers(context.context);
+  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+  EXPECT_TRUE(aglSetCurrentContext(nullptr));
+  EXPECT_EQ(port.frames, 0);
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  DrawQuarters(16, 16);
+  aglSwapBuffers(context.context);
+  EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+}
+
+TEST_F(ContextTest, AFailureLeavesTheHostsContextCurrent) {
+  const HostContext host;
+  HalvenorPort window{};
+  window.kind = kHalvenorPortX11Window;
+  window.bounds = MakeRect(16, 16);
+  window.x11DisplayName = "localhost:nowhere";
+  window.x11Window = 1;
+  const TestContext context(&window);
+  EXPECT_FALSE(aglSetCurrentContext(context.context));
+  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_NO_DISPLAY));
+  EXPECT_TRUE(host.IsCurrent());
+}
+
+TEST_F(ContextTest, AContextOfAnotherThreadIsOutOfReach) {
+  OffscreenPort port(16, 16);
+  TestContext context(&port.port);
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  std::thread([&] {
+    EXPECT_FALSE(aglSetCurrentContext(context.context));
+    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+    EXPECT_FALSE(aglDestroyContext(context.context));
+    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+  }).join();
+  DrawQuarters(16, 16);
+  aglSetCurrentContext(nullptr);
+  // What was drawn on one thread is shown by another, and destroyed on a third.
+  std::thread([&] {
+    ASSERT_TRUE(aglSetCurrentContext(context.context));
+    aglSwapBuffers(context.context);
+    aglSetCurrentContext(nullptr);
+  }).join();
+  EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+  std::thread([&] { context.Destroy(); }).join();
+}
+
+TEST_F(ContextTest, AContextKeepsToItsWindowSystem) {
+  OffscreenPort port(16, 16);
+  const TestContext context(&port.port);
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  HalvenorPort window{};
+  window.kind = kHalvenorPortX11Window;
+  window.x11Window = 1;
+  EXPECT_FALSE(aglSetDrawable(context.context, &window));
+  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_DRAWABLE));
+}
+
+long ResidentKilobytes() {
+  std::ifstream file("/proc/self/statm");
+  long pages = 0;
+  file >> pages >> pages;
+  return pages * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+TEST_F(ContextTest, OpeningAndClosingLeavesNothing) {
+  const auto openAndClose = [](int times) {
+    for (int i = 0; i < times; ++i) {
+      OffscreenPort port(320, 240);
+      const TestContext context(&port.port);
+      ASSERT_TRUE(aglSetCurrentContext(context.context));
+      std::int16_t family = 0;
+      GetFNum(reinterpret_cast<const unsigned char*>("\011Helvetica"), &family);
+      EXPECT_TRUE(aglUseFont(context.context, family, 0, 9, 0, 256, 1));
+      DrawQuarters(320, 240);
+      aglSwapBuffers(context.context);
+    }
+  };
+  openAndClose(50);
+  const auto files = OpenFiles();
+  const long memory = ResidentKilobytes();
+  openAndClose(200);
+  EXPECT_EQ(OpenFiles(), files);
+  // One leaked frame buffer of 320x240 for each time would be 117 MiB.
+  EXPECT_LT(ResidentKilobytes() - memory, 16 * 1024);
+}
+
+} // namespace
+} // namespace halvenor

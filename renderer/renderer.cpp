@@ -2,6 +2,7 @@
 
 #include "gl/diagnostics.h"
 #include "renderer/font_system.h"
+#include "scene/interval.h"
 #include "scene/numeric.h"
 
 #include <GL/gl.h>
@@ -34,10 +35,6 @@ float ZoomScale(const VisualPluginData& data) {
       static_cast<float>(data.settings.zoom * 0.5 + 0.75 + level * 0.2 - data.loudness * 0.1);
   if (!(level > 0.15)) return scale;
   return static_cast<float>(scale + std::sqrt(level) * 0.1);
-}
-
-float IntervalSeconds(Duration delta) {
-  return static_cast<float>(delta >= 0 ? delta / 1000.0 : delta / -1000000.0);
 }
 
 // The bound texture, as a quad that reaches (x, y) from the middle.
@@ -79,6 +76,7 @@ std::int32_t Renderer::Open(GrafPtr port, const Rect* rect) {
   glBlendFunc(GL_SRC_ALPHA, GL_ONE);
   blur.Create(display.Context());
   FontSystem::Open(&display);
+  logo.Open(&display);
   if (const GLenum error = aglGetError(); error != AGL_NO_ERROR) {
     aglReportError("Failed to set up openGL", error);
     ReleaseResources();
@@ -102,6 +100,7 @@ void Renderer::Close() {
 void Renderer::ReleaseResources() {
   blur.Destroy();
   FontSystem::Close();
+  logo.Close();
   display.Close();
 }
 
@@ -128,6 +127,7 @@ void Renderer::Render(VisualPluginData* data) {
   } else if (data->settings.glow != 0) {
     blur.DrawBlur();
   }
+  logo.Render();
   DrawText(data);
   display.EndRendering();
   ReportFrameErrors();

@@ -6,6 +6,7 @@
 #include "protocol/visual_plugin_data.h"
 #include "renderer/configuration_actions.h"
 #include "renderer/display.h"
+#include "scene/logo_overlay.h"
 #include "scene/spectrum.h"
 
 #include <array>
@@ -91,6 +92,7 @@ private:
 
   PBufferBlur blur; ///< the feedback image and the glow
   Spectrum spectrum;
+  LogoOverlay logo;
   Display display;
   std::int32_t isOpen = 0;
   std::int32_t inFrame = 0; ///< raised while a frame is drawn

@@ -37,6 +37,7 @@ public:
     EXPECT_EQ(host_->Init(), status::kOk);
     EXPECT_EQ(host_->Show(&port_, port_.bounds, 0), status::kOk) << log_.TakeText();
     clock::WaitUntilParked();
+    clock::Step(clock::Now() + 2100000000); // the logo's time passes
   }
   ~OffscreenPlugin() override {
     host_->Hide();
@@ -89,6 +90,8 @@ public:
     }
     return rows;
   }
+  /// The pixels of the last frame: red, green, blue, alpha; top row first.
+  [[nodiscard]] const std::vector<std::uint8_t>& Pixels() const { return pixels_; }
   [[nodiscard]] int LitPixels(int left, int top, int right, int bottom) const {
     int lit = 0;
     for (int y = top; y < bottom; ++y)

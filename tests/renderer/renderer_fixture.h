@@ -17,13 +17,22 @@ class RendererTest : public stand_ins::StandInTest {
 protected:
   void SetUp() override {
     StandInTest::SetUp();
-    clock::UseStepped(kSecond);
+    clock::UseStepped(100 * kSecond);
+    RetireLogo();
     renderer_ = std::make_unique<Renderer>();
     data_->settings = DefaultSettings();
     data_->settings.numLines = 1;
     data_->settings.numFrequencyLabels = 0;
     data_->settings.showFrameRate = 0;
     data_->highestActiveBin = 150.0F;
+  }
+  // The logo shows with the first opening of the process, whoever's it is.
+  void RetireLogo() {
+    Renderer first;
+    first.Open(&port_, &port_.bounds);
+    first.Close();
+    stand_ins::Reset();
+    log_.Take();
   }
   void TearDown() override {
     renderer_.reset();

@@ -57,6 +57,7 @@ public:
 
 private:
   bool Dump(const RenderVisualData& record);
+  void PressKeysUntil(std::uint64_t time);
   bool DrawUntil(std::uint64_t end);
 
   const Options& options_;
@@ -67,6 +68,7 @@ private:
   std::unique_ptr<OffscreenShow> show_;
   std::optional<Progress> progress_;
   std::uint64_t frame_ = 0;
+  std::size_t key_ = 0; ///< the next to be pressed
 };
 
 bool Run::Open(int frames) {
@@ -92,11 +94,18 @@ bool Run::Dump(const RenderVisualData& record) {
   return !dump_ || dump_->Write(std::as_bytes(std::span(&record, 1)), error_);
 }
 
+// A key acts on the first frame that is not before its time.
+void Run::PressKeysUntil(std::uint64_t time) {
+  for (; key_ < options_.keys.size() && options_.keys[key_].time <= time; ++key_)
+    show_->Press(options_.keys[key_].key);
+}
+
 // Draws the frames before `end`, which all show the record just delivered.
 bool Run::DrawUntil(std::uint64_t end) {
   for (; StopSignals::Arrived() == 0; ++frame_) {
     const std::uint64_t time = TimeOfFrame(frame_, options_.frameRate);
     if (time >= end) return true;
+    PressKeysUntil(time);
     const std::span<std::uint8_t> picture = output_->NextFrame();
     if (!picture.empty() && !show_->Draw(time, picture, error_)) return false;
     if (picture.empty() || !output_->FinishFrame()) {

@@ -115,6 +115,10 @@ void OffscreenShow::Stop() {
   plugin_->Stop();
 }
 
+void OffscreenShow::Press(char key) {
+  plugin_->Key(key, false);
+}
+
 bool OffscreenShow::Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error) {
   picture_ = picture;
   taken_ = false;

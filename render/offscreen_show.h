@@ -29,6 +29,9 @@ public:
   /// Delivers one record, at its place in the order of records.
   void Deliver(const RenderVisualData& record);
 
+  /// Presses a key (Mac OS Roman).
+  void Press(char key);
+
   /// Steps to `time` (nanoseconds) and has the frame drawn then put into `picture`, which has room
   /// for all of its pixels.
   bool Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error);

@@ -1,5 +1,7 @@
 #include "render/options.h"
 
+#include "host/text.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -144,6 +146,25 @@ Problem ParseAssignments(const std::vector<std::string>& texts, Options& options
   return std::nullopt;
 }
 
+Problem ParseKeys(const std::vector<std::string>& texts, Options& options) {
+  constexpr double kLatest = 1e9; // seconds
+  for (const std::string& text : texts) {
+    const std::size_t colon = text.find(':');
+    double seconds = 0;
+    const char* const end = text.data() + std::min(colon, text.size());
+    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+    const bool isTime = error == std::errc() && stop == end && seconds >= 0 && seconds <= kLatest;
+    if (colon == text.npos || !isTime || colon + 1 == text.size())
+      return "--keys: '" + text + "' is not of the form T:CHARS, for example 2.5:h";
+    const auto time = static_cast<std::uint64_t>(seconds * double{kNanosecondsPerSecond});
+    for (const char key : ToMacRoman(std::string_view(text).substr(colon + 1)))
+      options.keys.push_back({time, key});
+  }
+  std::stable_sort(options.keys.begin(), options.keys.end(),
+                   [](const KeyPress& a, const KeyPress& b) { return a.time < b.time; });
+  return std::nullopt;
+}
+
 std::string SettingNames() {
   std::string names;
   for (const SettingField& field : SettingFields())
@@ -157,6 +178,7 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   std::optional<std::string> size;
   std::optional<std::string> frameRate;
   std::vector<std::string> assignments;
+  std::vector<std::string> keys;
   bool always = false;
   bool quiet = false;
 
@@ -174,6 +196,10 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   app.add_option("--duration", options.durationSeconds, "Show S seconds")->type_name("S");
   app.add_option("--set", assignments, "A setting, repeatable: " + SettingNames())
       ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  app.add_option("--keys", keys,
+                 "Keys pressed at T seconds of what is shown, repeatable; h shows what they do")
+      ->type_name("T:CHARS")
       ->allow_extra_args(false);
   app.add_option("--records", options.recordsFile,
                  "Audio records of 2050 bytes, one per 50 ms, used instead of analysing INPUT, "
@@ -213,6 +239,7 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   if (!problem) problem = CheckTimes(options);
   if (!problem && !options.output.empty()) problem = FindOutputKind(options);
   if (!problem) problem = ParseAssignments(assignments, options);
+  if (!problem) problem = ParseKeys(keys, options);
   if (problem) return EarlyEnd{kUsageError, *problem};
   return std::nullopt;
 }

@@ -22,6 +22,12 @@ struct Assignment {
   std::string value;
 };
 
+/// A key pressed at a time of the shown stretch.
+struct KeyPress {
+  std::uint64_t time; ///< nanoseconds
+  char key;           ///< Mac OS Roman
+};
+
 struct Options {
   std::string input;  ///< a path or URI; empty: records only
   std::string output; ///< empty: no pictures; "-": standard output
@@ -32,6 +38,7 @@ struct Options {
   double startSeconds = 0;
   std::optional<double> durationSeconds;
   std::vector<Assignment> assignments;
+  std::vector<KeyPress> keys; ///< in the order of their times
   std::string recordsFile;
   std::string dumpFile;
   std::string preferencesFolder;

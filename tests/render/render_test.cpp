@@ -119,6 +119,18 @@ TEST_F(RenderTest, ThePluginIsToldWhatItShows) {
   }
 }
 
+TEST_F(RenderTest, KeysArePressedInTimeBeforeTheFrame) {
+  program_.Folder().Write("Tune.flac", "flacenc", {.seconds = 0.3, .wave = Sine(440)});
+  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
+  Succeed(kWitness + Arguments{"-o", "x.png", "Tune.flac", "--fps", "20", "--keys", "0.15:\u00FCb",
+                               "--keys", "0:a", "--keys", "0.06:h:", "--keys", "99:z"});
+  const std::string log = program_.Read("log");
+  const std::size_t first = log.find("key");
+  EXPECT_EQ(log.substr(first, log.rfind("hide") - first),
+            "key a after 1 deliveries\nkey h after 3 deliveries\nkey : after 3 deliveries\n"
+            "key \x9F after 4 deliveries\nkey b after 4 deliveries\n");
+}
+
 std::string PngPixels(const std::string& path) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;

@@ -115,6 +115,12 @@ Status Handle(FourCharCode code, VisualMessage* record, void*) {
     Note("play " + PascalText(record->track.trackInfo->bytes + kTrackTitleOffset) + " by " +
          PascalText(record->track.trackInfo->bytes + kTrackArtistOffset));
     break;
+  case message::kEvent: {
+    const std::scoped_lock lock(mutex);
+    Note(std::string("key ") + static_cast<char>(record->event.event->message & 0xFF) + " after " +
+         std::to_string(testimony.deliveries) + " deliveries");
+    break;
+  }
   case message::kRenderData: {
     const std::scoped_lock lock(mutex);
     ++testimony.deliveries;

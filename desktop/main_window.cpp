@@ -72,12 +72,15 @@ void MainWindow::MakeContents() {
   notice_->hide();
 
   auto* contents = new QWidget;
+  // A home for the keyboard: the menu bar gives it back only to a widget that had it before.
+  contents->setFocusPolicy(Qt::StrongFocus);
   auto* layout = new QVBoxLayout(contents);
   layout->setContentsMargins({});
   layout->setSpacing(0);
   layout->addWidget(container_, 1);
   layout->addWidget(notice_);
   setCentralWidget(contents);
+  contents->setFocus();
 }
 
 void MainWindow::MakeMenus() {

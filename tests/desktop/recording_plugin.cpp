@@ -1,5 +1,6 @@
 // A plug-in that draws nothing and writes one line on standard error for each message it gets.
-// HALVENOR_TEST_SHOW_STATUS is its answer to 'show'.
+// The key 's' stores a block, which the next 'init' reads and tells; the key 'c' leaves full
+// screen. HALVENOR_TEST_SHOW_STATUS is its answer to 'show'.
 #include "protocol/records.h"
 
 #include <X11/Xlib.h>
@@ -60,17 +61,36 @@ void WriteWindow(FourCharCode code, const VisualWindowMessage& window) {
                   std::to_string(window.options));
 }
 
-void Request(Activation& host, FourCharCode code, HostMessage& request) {
+void Request(const Activation& host, FourCharCode code, HostMessage& request) {
   request.majorVersion = kHostMessageMajorVersion;
   request.minorVersion = kHostMessageMinorVersion;
   request.size = sizeof request;
   host.appProc(host.appCookie, code, &request);
 }
 
-Status Key(Activation& host, const EventRecord& event) {
+void Store(const Activation& host, char* block, std::uint32_t size) {
+  HostMessage request{};
+  request.body.pluginData = {block, size, 0};
+  Request(host, request::kSetPluginData, request);
+}
+
+std::string Stored(const Activation& host) {
+  char block[16];
+  HostMessage request{};
+  request.body.pluginData = {block, sizeof block, 0};
+  Request(host, request::kGetPluginData, request);
+  return {block, request.body.pluginData.sizeRead};
+}
+
+Status Key(const Activation& host, const EventRecord& event) {
   const char character = static_cast<char>(event.message);
   Write(message::kEvent, " " + std::to_string(static_cast<unsigned char>(character)) +
                              (event.what == kKeyRepeatEvent ? " repeated" : ""));
+  if (character == 's') {
+    char block[] = "kept";
+    Store(host, block, 4);
+    return status::kOk;
+  }
   if (character != 'c') return status::kNotHandled;
   HostMessage request{};
   Request(host, request::kSetFullScreen, request);
@@ -78,11 +98,13 @@ Status Key(Activation& host, const EventRecord& event) {
 }
 
 Status Handle(FourCharCode code, VisualMessage* record, void* refCon) {
-  auto* const host = static_cast<Activation*>(refCon);
+  auto* host = static_cast<Activation*>(refCon);
   switch (code) {
   case message::kInit:
-    record->init.refCon = new Activation{record->init.appCookie, record->init.appProc};
-    break;
+    host = new Activation{record->init.appCookie, record->init.appProc};
+    record->init.refCon = host;
+    Write(code, " stored: " + Stored(*host));
+    return status::kOk;
   case message::kCleanup:
     delete host;
     break;

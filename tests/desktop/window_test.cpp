@@ -1,0 +1,267 @@
+// The desktop program as people use it: real displays, real keys, what is seen.
+#include "tests/desktop/display_session.h"
+
+#include <QtCore/QFile>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace halvenor::test {
+namespace {
+
+struct Desk {
+  const char* name;
+  std::unique_ptr<DisplaySession> (*start)(double scale);
+  double scale;
+};
+
+const Desk kDesks[] = {
+    {"X11", DisplaySession::StartX11, 1},
+    {"X11Scaled", DisplaySession::StartX11, 1.5},
+    {"Wayland", DisplaySession::StartWayland, 1},
+    {"WaylandScaled", DisplaySession::StartWayland, 2},
+};
+
+// How many pixels of two pictures of the same size differ clearly.
+int DifferentPixels(const QImage& a, const QImage& b) {
+  constexpr int kClearly = 12;
+  int count = 0;
+  for (int y = 0; y < a.height(); ++y) {
+    for (int x = 0; x < a.width(); ++x) {
+      const QRgb p = a.pixel(x, y);
+      const QRgb q = b.pixel(x, y);
+      count += std::abs(qRed(p) - qRed(q)) > kClearly ||
+               std::abs(qGreen(p) - qGreen(q)) > kClearly ||
+               std::abs(qBlue(p) - qBlue(q)) > kClearly;
+    }
+  }
+  return count;
+}
+
+int MenuBarPixels(const QImage& picture) {
+  constexpr int kLight = 225;
+  int count = 0;
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      const QRgb p = picture.pixel(x, y);
+      count += qMin(qRed(p), qMin(qGreen(p), qBlue(p))) > kLight;
+    }
+  }
+  return count;
+}
+
+int LitPixels(const QImage& picture) {
+  QImage black(picture.size(), picture.format());
+  black.fill(Qt::black);
+  return DifferentPixels(picture, black);
+}
+
+// A WAV file of mono 16-bit sound, 8000 frames a second.
+QByteArray Silence(int seconds) {
+  const auto number = [](quint32 value, int size) {
+    return QByteArray(reinterpret_cast<const char*>(&value), size); // on little-endian machines
+  };
+  const auto size = static_cast<quint32>(16000 * seconds);
+  return "RIFF" + number(36 + size, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) + number(1, 2) +
+         number(8000, 4) + number(16000, 4) + number(2, 2) + number(16, 2) + "data" +
+         number(size, 4) + QByteArray(static_cast<int>(size), 0);
+}
+
+class WindowTest : public testing::TestWithParam<Desk> {
+protected:
+  std::unique_ptr<DisplaySession> desk = GetParam().start(GetParam().scale);
+
+  std::unique_ptr<Program> StartRecorded(const QStringList& arguments = {}) {
+    return std::make_unique<Program>(QStringList{"--plugin", HALVENOR_RECORDING_PLUGIN} + arguments,
+                                     desk->Environment());
+  }
+  bool IsX11() const { return std::string(GetParam().name).starts_with("X11"); }
+  std::string Area(const std::string& message, const std::string& rest) const {
+    return "[" + message + "] " + (IsX11() ? "x11" : "wayland") + " whole native " + rest;
+  }
+};
+
+TEST_P(WindowTest, TellsThePlugInWhatHappens) {
+  std::unique_ptr<Program> program = StartRecorded();
+  ASSERT_TRUE(Eventually([&] { return program->HasStart(Area("show", "")); }));
+  EXPECT_TRUE(program->Last("[show]").ends_with(" options 0"));
+  EXPECT_TRUE(Eventually([&] { return program->Count("[vrnd]") > 10; }));
+  EXPECT_EQ(program->Lines().front(), "[init] stored: ");
+  EXPECT_EQ(program->Last("[vply]"), "[vply] Lanterns on Still Water - the Halvenor authors");
+
+  // Keys: characters in Mac OS Roman, capitals and keys that print nothing too.
+  const struct {
+    const char* key;
+    const char* told;
+  } keys[] = {{"h", "104"}, {"Left", "28"}, {"Return", "13"}, {"Tab", "9"}, {"s", "115"}};
+  for (const auto& [key, told] : keys) {
+    EXPECT_TRUE(desk->PressUntil(key, [&] { return program->Has(std::string("[vevt] ") + told); }))
+        << key;
+  }
+
+  // The menu's own keys reach the menu alone.
+  desk->Press("alt+v");
+  EXPECT_TRUE(desk->PressUntil("c", [&] { return program->HasStart("[cnfg]"); }));
+  EXPECT_FALSE(program->Has("[vevt] 99"));
+
+  // Full screen by the window's keys, and out of it by the window's and by the plug-in's.
+  const std::string full = Area("swin", "1280x800 options 1");
+  const auto isFull = [&] { return program->Last("[swin]") == full; };
+  const auto isWindow = [&] {
+    const std::string last = program->Last("[swin]");
+    return last.ends_with(" options 0") && last.find(" 1280x800 ") == std::string::npos;
+  };
+  const struct {
+    const char* enter;
+    const char* leave;
+  } ways[] = {{"f", "Escape"}, {"F11", "c"}, {"f", "F11"}};
+  for (const auto& [enter, leave] : ways) {
+    EXPECT_TRUE(desk->PressUntil(enter, isFull)) << enter;
+    EXPECT_TRUE(desk->PressUntil(leave, isWindow)) << leave;
+  }
+  EXPECT_FALSE(program->Has("[vevt] 102") || program->Has("[vevt] 27"));
+
+  const std::string before = program->Last("[swin]");
+  desk->ResizeWindow({500, 333});
+  EXPECT_TRUE(Eventually([&] { return isWindow() && program->Last("[swin]") != before; }));
+
+  desk->CloseWindow();
+  EXPECT_EQ(program->ExitStatus(), EXIT_SUCCESS);
+  EXPECT_TRUE(program->Has("[vstp]"));
+  EXPECT_EQ(program->Last("[hide]"), IsX11() ? "[hide] window is there" : "[hide]");
+  EXPECT_EQ(program->Lines().back(), "[clr ]");
+
+  program = StartRecorded();
+  EXPECT_TRUE(Eventually([&] { return program->Has("[init] stored: kept"); }));
+}
+
+TEST_P(WindowTest, ShowsAMovingPicture) {
+  Program program({}, desk->Environment());
+  const QRect middle(400, 200, 480, 360);
+  QImage last;
+  EXPECT_TRUE(Eventually([&] {
+    last = desk->Picture().copy(middle);
+    return LitPixels(last) > 3000;
+  }));
+  for (int move = 0; move < 3; ++move) {
+    EXPECT_TRUE(Eventually([&] {
+      const QImage now = desk->Picture().copy(middle);
+      const bool moved = DifferentPixels(last, now) > 3000;
+      last = now;
+      return moved;
+    }));
+  }
+  // In full screen nothing is left of the menu bar, and the picture reaches the edges.
+  EXPECT_GT(MenuBarPixels(desk->Picture()), 5000);
+  EXPECT_TRUE(desk->PressUntil("f", [&] { return MenuBarPixels(desk->Picture()) < 1000; }));
+  EXPECT_TRUE(Eventually([&] { return LitPixels(desk->Picture().copy(0, 300, 10, 200)) > 1000; }));
+  for (const std::string& line : program.Lines()) {
+    EXPECT_EQ(line.find("rror"), std::string::npos) << line;
+  }
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
+}
+
+// --- On one display, for what does not depend on it ---------------------------------------------
+
+class OneDeskTest : public testing::Test {
+protected:
+  std::unique_ptr<DisplaySession> desk = DisplaySession::StartX11(1);
+  QTemporaryDir folder;
+
+  QString Write(const char* name, const QByteArray& contents) {
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QFile::WriteOnly));
+    file.write(contents);
+    return file.fileName();
+  }
+};
+
+TEST_F(OneDeskTest, EndsInOrder) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, 0}) {
+    Program program({"--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+    ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
+    if (signal) {
+      program.Signal(signal);
+    } else {
+      desk->Press("ctrl+q");
+    }
+    EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS) << signal;
+    EXPECT_EQ(program.Last("[hide]"), "[hide] window is there") << signal;
+    EXPECT_EQ(program.Lines().back(), "[clr ]") << signal;
+  }
+}
+
+TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
+  const QString tone = Write("One second.wav", Silence(1));
+  Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, tone}, desk->Environment());
+  ASSERT_TRUE(Eventually([&] { return program.HasStart("[vstp]"); }));
+  EXPECT_EQ(program.Last("[vply]"), "[vply] One second - ");
+  const int records = program.Count("[vrnd]");
+  EXPECT_GE(records, 5);
+  EXPECT_LE(records, 20);
+  const int idle = program.Count("[null]");
+  EXPECT_TRUE(Eventually([&] { return program.Count("[null]") > idle + 5; }));
+  EXPECT_EQ(program.Count("[vrnd]"), records);
+}
+
+TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
+  const QString text = Write("notes.txt", "no sound in here\n");
+  QProcessEnvironment nowhere = desk->Environment();
+  nowhere.insert("DISPLAY", ":4711");
+  const struct {
+    QStringList arguments;
+    QProcessEnvironment environment;
+    std::string line;
+  } cases[] = {
+      {{"/nowhere/song.ogg"},
+       desk->Environment(),
+       "halvenor: /nowhere/song.ogg: there is no such file"},
+      {{folder.path()},
+       desk->Environment(),
+       "halvenor: " + folder.path().toStdString() + ": this is a folder"},
+      {{"--plugin", text},
+       desk->Environment(),
+       "halvenor: cannot load the plug-in " + text.toStdString()},
+      {{"--plugin", "/nowhere"}, desk->Environment(), "halvenor: cannot load the plug-in /nowhere"},
+      {{}, nowhere, "halvenor: no display can be opened"},
+  };
+  for (const auto& [arguments, environment, line] : cases) {
+    Program program(arguments, environment);
+    EXPECT_EQ(program.ExitStatus(), EXIT_FAILURE) << line;
+    ASSERT_EQ(program.Lines().size(), 1u) << line;
+    EXPECT_TRUE(program.HasStart(line)) << program.Lines().front();
+  }
+}
+
+// What goes wrong while there is a window is said in the window, too.
+TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
+  const QString text = Write("notes.txt", "no sound in here\n");
+  QProcessEnvironment noPicture = desk->Environment();
+  noPicture.insert("HALVENOR_TEST_SHOW_STATUS", "1001");
+  const struct {
+    QString medium;
+    QProcessEnvironment environment;
+    std::string line;
+  } cases[] = {
+      {text, desk->Environment(), "halvenor: " + text.toStdString()},
+      {Write("silence.wav", Silence(1)), noPicture, "halvenor: the picture cannot be shown"},
+  };
+  for (const auto& [medium, environment, line] : cases) {
+    Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, medium}, environment);
+    ASSERT_TRUE(Eventually([&] { return program.HasStart(line); })) << line;
+    EXPECT_TRUE(Eventually([&] {
+      return LitPixels(desk->Picture().copy(300, 150, 700, 555)) > 200;
+    })) << line;
+    desk->CloseWindow();
+    EXPECT_EQ(program.ExitStatus(), EXIT_FAILURE) << line;
+    EXPECT_EQ(program.Count("halvenor: "), 1) << line;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Desks, WindowTest, testing::ValuesIn(kDesks),
+                         [](const auto& tested) { return tested.param.name; });
+
+} // namespace
+} // namespace halvenor::test

@@ -9,6 +9,11 @@
 namespace halvenor::agl {
 namespace {
 
+// What is drawn here is read back, faded and drawn again, many times over. In 8 bits that would
+// come to rest at a grey that never fades; the alpha of these pictures needs no more than two
+// values.
+constexpr GLint kTextureFormats[] = {GL_RGB10_A2, GL_RGBA8};
+
 bool IsWithinLimits(Size size) {
   GLint side = 0;
   GLint viewport[2] = {0, 0};
@@ -92,15 +97,19 @@ bool RenderTarget::ShowInBoundTexture() {
   GLint texture = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, size_.width, size_.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-               nullptr);
   Bind();
-  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
-                         static_cast<GLuint>(texture), 0);
-  const bool isShown = IsComplete();
+  bool isShown = false;
+  for (const GLint format : kTextureFormats) {
+    glTexImage2D(GL_TEXTURE_2D, 0, format, size_.width, size_.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                 nullptr);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                           static_cast<GLuint>(texture), 0);
+    isShown = IsComplete();
+    if (isShown) break;
+    DropErrors();
+  }
   glDeleteRenderbuffers(1, &color_);
   color_ = isShown ? 0 : AddBuffer(GL_COLOR_ATTACHMENT0, GL_RGBA8, size_);
-  if (!isShown) DropErrors();
   return isShown;
 }
 

@@ -30,9 +30,10 @@ public:
   [[nodiscard]] Size GetSize() const { return size_; }
   [[nodiscard]] GLuint Name() const { return frameBuffer_; }
 
-  /// Gives the texture bound to GL_TEXTURE_2D this target's size and makes it the colour buffer.
-  /// The picture is undefined until it is cleared. Leaves the target bound. False, with no GL
-  /// error pending, when the driver cannot do it; then nobody sees what is drawn here.
+  /// Gives the texture bound to GL_TEXTURE_2D this target's size and makes it the colour buffer, of
+  /// 10 bits a colour and 2 for alpha where the driver can draw into that, else of 8 each. The
+  /// picture is undefined until it is cleared. Leaves the target bound. False, with no GL error
+  /// pending, when the driver cannot do it; then nobody sees what is drawn here.
   [[nodiscard]] bool ShowInBoundTexture();
 
   /// Directs drawing and reading here.

@@ -31,8 +31,8 @@ TEST_F(PBufferTest, MakesBothBuffersTransparentBlack) {
   std::vector<std::string> expected;
   for (const std::string n : {"1", "2"}) {
     for (const std::string& call : std::vector<std::string>{
-             "aglCreatePBuffer(512, 512, GL_TEXTURE_2D, GL_RGBA, 0)",
-             "glGenTextures(1, pointer)", "glBindTexture(GL_TEXTURE_2D, " + n + ")",
+             "aglCreatePBuffer(512, 512, GL_TEXTURE_2D, GL_RGBA, 0)", "glGenTextures(1, pointer)",
+             "glBindTexture(GL_TEXTURE_2D, " + n + ")",
              "aglTexImagePBuffer(context 1, pbuffer " + n + ", GL_FRONT)",
              "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)",
              "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",

@@ -152,6 +152,9 @@ TEST_F(RenderTest, PicturesShowTheRawFrames) {
               ElementsAre("last.png", "n000.png", "n001.png", "n002.png", "r", "raw.rgba"));
   const std::string raw = program_.Read("raw.rgba");
   ASSERT_EQ(raw.size(), 3 * kWitnessFrame);
+  for (std::size_t row = 1; row < 48; ++row)
+    EXPECT_EQ(static_cast<std::uint8_t>(raw[row * 256]), WitnessPixel((47 - row) * 256))
+        << "row " << row << " from the top";
   for (std::size_t frame = 0; frame < 3; ++frame) {
     std::string opaque;
     for (std::size_t i = 0; i < kWitnessFrame; i += 4)

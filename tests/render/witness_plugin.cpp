@@ -44,7 +44,7 @@ void Draw() {
   const auto rows = static_cast<std::size_t>(port->bounds.bottom);
   std::vector<std::uint8_t> pixels(rowBytes * rows);
   for (std::size_t i = 0; i < pixels.size(); ++i)
-    pixels[i] = static_cast<std::uint8_t>(i * 7 / 3);
+    pixels[i] = WitnessPixel(i);
   testimony.time = clock::Now();
   // Bottom row first, as OpenGL would have it.
   std::memcpy(pixels.data() + rowBytes * (rows - 1), &testimony, sizeof testimony);

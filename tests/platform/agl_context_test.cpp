@@ -101,10 +101,12 @@ TEST_F(ContextTest, AContextOfAnotherThreadIsOutOfReach) {
   TestContext context(&port.port);
   ASSERT_TRUE(aglSetCurrentContext(context.context));
   std::thread([&] {
+    const HostContext host;
     EXPECT_FALSE(aglSetCurrentContext(context.context));
     EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
     EXPECT_FALSE(aglDestroyContext(context.context));
     EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+    EXPECT_TRUE(host.IsCurrent());
   }).join();
   DrawQuarters(16, 16);
   aglSetCurrentContext(nullptr);

@@ -61,15 +61,17 @@ protected:
 };
 
 TEST_F(FontTest, GlyphsStandUprightOnTheBaseLineAndMoveThePen) {
-  // Pixel store state of the plug-in's own must not garble them, and is kept.
+  UseFont(24);
+  const auto letter = Draw('L');
+  // Pixel store state of the plug-in's own does not garble them, and is kept.
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 5);
   glPixelStorei(GL_UNPACK_LSB_FIRST, GL_TRUE);
   UseFont(24);
   GLint rowLength = 0;
   glGetIntegerv(GL_UNPACK_ROW_LENGTH, &rowLength);
   EXPECT_EQ(rowLength, 5);
+  EXPECT_EQ(Draw('L'), letter);
 
-  const auto letter = Draw('L');
   EXPECT_EQ(bottom, 0);
   ASSERT_GE(letter.size(), 16U);
   ASSERT_LE(letter.size(), 19U);

@@ -8,6 +8,8 @@
 #include <wayland-client.h>
 
 #include <cstring>
+#include <fstream>
+#include <vector>
 #include <xdg-shell-client-protocol.h>
 // After the header above, whose declarations make these definitions C++, too.
 #pragma GCC diagnostic ignored "-Wattributes"
@@ -136,6 +138,14 @@ TEST_F(WaylandTest, AHiddenSurfaceDoesNotBlock) {
   EXPECT_EQ(wl_display_get_error(display), 0);
 }
 
+int MappedPictures() {
+  std::ifstream maps("/proc/self/maps");
+  int count = 0;
+  for (std::string line; std::getline(maps, line);)
+    if (line.find("halvenor-picture") != line.npos) ++count;
+  return count;
+}
+
 TEST_F(WaylandTest, AFrozenCompositorDoesNotBlock) {
   Show();
   const TestContext context(&port);
@@ -143,6 +153,7 @@ TEST_F(WaylandTest, AFrozenCompositorDoesNotBlock) {
   DrawAndExpect(context, 0, 0, 64, 48);
   server.Freeze();
   DrawMany(context);
+  EXPECT_LE(MappedPictures(), 4) << "pictures are not dropped";
   server.Thaw();
   port.bounds = MakeRect(100, 80);
   ASSERT_TRUE(aglUpdateContext(context.context));
@@ -159,6 +170,7 @@ TEST_F(WaylandTest, OpeningAndClosingLeavesNothing) {
     if (i == 5) files = OpenFiles();
     if (i == 19) {
       EXPECT_LE(OpenFiles(), files);
+      EXPECT_LE(MappedPictures(), 4);
     }
   }
 }

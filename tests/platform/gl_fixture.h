@@ -90,7 +90,8 @@ inline void FillPixels(GLint x, GLint y, GLsizei width, GLsizei height, const Pi
   glDisable(GL_SCISSOR_TEST);
 }
 
-/// Each quarter in a colour of its own: red and green above, blue and white below.
+/// Each quarter in a colour of its own: red and green above, blue and white below. Leaves drawing
+/// confined to the last, which must not confine what is shown.
 inline void DrawQuarters(GLsizei width, GLsizei height) {
   const GLsizei x = width / 2;
   const GLsizei y = height / 2;
@@ -98,6 +99,7 @@ inline void DrawQuarters(GLsizei width, GLsizei height) {
   FillPixels(x, y, width - x, height - y, kGreen);
   FillPixels(0, 0, x, y, kBlue);
   FillPixels(x, 0, width - x, y, kWhite);
+  glEnable(GL_SCISSOR_TEST);
 }
 
 inline Rect MakeRect(int width, int height) {

@@ -69,14 +69,13 @@ protected:
 
   // Loads what is called `name` into the image; what it printed.
   std::string Load(const char* name) {
-    const int before = NextDescriptor();
     testing::internal::CaptureStdout();
+    const int before = NextDescriptor();
     loaded_ = LoadTGA(image_, name);
-    std::fflush(stdout);
-    std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_EQ(NextDescriptor(), before) << "the file was left open";
     EXPECT_EQ(loaded_ == 1, image_.pixels != nullptr);
-    return printed;
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
   }
   std::string LoadFile(std::string_view bytes) {
     std::ofstream(folder_ / "image", std::ios::binary) << bytes;
@@ -170,7 +169,7 @@ TEST_F(TextureImageTest, WhatIsNotThereIsRefused) {
   EXPECT_EQ(Load("missing.tga"), "error, missing.tga not found!\n");
   EXPECT_EQ(image_.pixels, nullptr); // not those of the image before
   EXPECT_EQ(Load("."), "error, invalid format!\n");
-  const std::string tooLong(600, 'a');
+  const std::string tooLong = Repeated("./", 256) + "image"; // which is there
   EXPECT_EQ(Load(tooLong.c_str()), "error, " + tooLong + " not found!\n");
 
   stand_ins::Fail("CFBundleGetBundleWithIdentifier", 1, 1, 1);

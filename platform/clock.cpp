@@ -103,6 +103,7 @@ void SleepFor(std::int64_t microseconds) {
     if (state.stepped || state.held) {
       state.sleepers.wait(lock);
     } else if (RealNow(state) < deadline) {
+      // A hold or a stepped clock may come meanwhile; the deadline is time enough to notice.
       state.sleepers.wait_until(lock, SteadyClock::time_point(deadline + state.held_for));
     } else {
       --state.sleeping;
@@ -144,7 +145,6 @@ void UseStepped(std::uint64_t start) {
   EndHold(state);
   state.stepped = true;
   state.stepped_time = start;
-  state.sleepers.notify_all(); // who sleeps in real time is parked from now on
 }
 
 void UseRealTime() {
@@ -180,7 +180,6 @@ void Hold() {
   if (state.stepped || state.held) return;
   state.held_at = MachineTime();
   state.held = true;
-  state.sleepers.notify_all(); // their deadlines move
 }
 
 void Release() {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <ctime>
 #include <functional>
 #include <future>
 #include <limits>
@@ -121,32 +122,33 @@ TEST_F(ClockTest, TimeNeverStepsBack) {
 TEST_F(ClockTest, AStepSaysNoFrameInsteadOfWaitingForEver) {
   EXPECT_EQ(Step(1), StepResult::NoFrame) << "real time";
   EXPECT_EQ(WaitUntilParked(), StepResult::NoFrame) << "real time";
+  SleepFor(1); // a sleep that is over no longer counts as a parked thread
   UseStepped(1000);
   EXPECT_EQ(WaitUntilParked(), StepResult::NoFrame) << "no thread";
   EXPECT_EQ(Step(2000), StepResult::NoFrame) << "no thread";
   EXPECT_EQ(Now(), 2000U);
 
+  { // Nobody parks while somebody keeps all awake.
+    ThreadStarting();
+    std::future<StepResult> wait = std::async(std::launch::async, [] { return WaitUntilParked(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const KeepAwake awake;
+    EXPECT_EQ(wait.get(), StepResult::NoFrame);
+    EXPECT_EQ(Step(3000), StepResult::NoFrame);
+    ThreadGone();
+  }
   { // The thread ends while the step waits for it.
     Drawer* self = nullptr;
     std::promise<void> known;
     Drawer drawer(0, [&, turns = 0]() mutable {
       if (turns++ == 0) known.get_future().wait();
-      if (Now() > 2000) self->EndAfterThisFrame();
+      if (Now() > 3000) self->EndAfterThisFrame();
     });
     self = &drawer;
     known.set_value();
     ASSERT_EQ(WaitUntilParked(), StepResult::Frame);
-    EXPECT_EQ(Step(3000), StepResult::Frame) << "the last turn ends in a sleep";
-    EXPECT_EQ(Step(4000), StepResult::NoFrame) << "woken, the thread ends";
-  }
-  { // Nobody parks while somebody keeps all awake.
-    ThreadStarting();
-    std::future<StepResult> step = std::async(std::launch::async, [] { return Step(5000); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    const KeepAwake awake;
-    EXPECT_EQ(step.get(), StepResult::NoFrame);
-    EXPECT_EQ(Step(6000), StepResult::NoFrame);
-    ThreadGone();
+    EXPECT_EQ(Step(4000), StepResult::Frame) << "the last turn ends in a sleep";
+    EXPECT_EQ(Step(5000), StepResult::NoFrame) << "woken, the thread ends";
   }
 }
 
@@ -216,7 +218,9 @@ TEST_F(ClockTest, AHoldStopsTimeAndSleepersWithoutALeapAfterwards) {
   std::this_thread::sleep_for(std::chrono::milliseconds(30)); // a frame in hand may still end
   const std::size_t frames = drawer.Frames().size();
   Hold();
+  const std::clock_t processor = std::clock();
   std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  EXPECT_LT(std::clock() - processor, CLOCKS_PER_SEC / 200) << "sleepers spin";
   EXPECT_EQ(Now(), held);
   EXPECT_LE(drawer.Frames().size(), frames + 1);
 

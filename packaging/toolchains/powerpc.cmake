@@ -1,6 +1,7 @@
 # 32-bit big-endian PowerPC, the machine that the records were laid out for. Programs are static
 # and run under qemu. Of OpenGL it has only the headers, which are the same on every machine; to be
-# used with HALVENOR_RULES_ONLY. Needs g++-powerpc-linux-gnu and qemu-user.
+# used with HALVENOR_RULES_ONLY. Needs g++-powerpc-linux-gnu and qemu-user. The C library's sine and
+# cosine of doubles (not of floats) use an instruction (mffscrni) at which qemu-ppc 7.2 stops.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ppc)
 

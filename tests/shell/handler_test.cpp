@@ -150,6 +150,7 @@ TEST_F(Handler, WindowMessagesCarryTheOptionsAndTheRectangle) {
   HalvenorPort port = stand_ins::OffscreenPort(300, 200);
   clock::UseStepped(1);
   EXPECT_EQ(host_.Show(&port, 6), 0);
+  ASSERT_EQ(clock::WaitUntilParked(), clock::StepResult::Frame); // its frame sets viewports, too
   EXPECT_EQ(host_.Record()->windowOptions, 6U);
   EXPECT_EQ(host_.SendWindow(message::kSetWindow, &port, {10, 20, 110, 220}, 1), 0);
   EXPECT_EQ(host_.Record()->windowOptions, 1U);

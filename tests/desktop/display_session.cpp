@@ -34,7 +34,7 @@ public:
     EXPECT_TRUE(Eventually([&] { return WaitForLine() == "ready"; })) << "openbox";
   }
 
-  void Press(const QString& key) override { Run("xdotool", {"key", key}); }
+  void Press(const QString& keys) override { Run("xdotool", QStringList{"key"} + keys.split(' ')); }
   void ResizeWindow(QSize size) override {
     Run("xdotool", {"getactivewindow", "windowsize", QString::number(size.width()),
                     QString::number(size.height())});
@@ -47,7 +47,7 @@ private:
     Eventually([&] { return server.canReadLine() || (server.waitForReadyRead(50), false); });
     return QString::fromUtf8(server.readLine()).trimmed();
   }
-  QByteArray Screenshot() override { return Run("import", {"-window", "root", "png:-"}); }
+  QByteArray Screenshot() override { return Run("import", {"-window", "root", "ppm:-"}); }
 };
 
 // wlroots' own headless output; keys come from a virtual keyboard.
@@ -82,17 +82,21 @@ public:
     environment_.insert("SWAYSOCK", folder.filePath("ipc"));
   }
 
-  void Press(const QString& key) override {
-    // A moment for the new keyboard to become known before it is used.
-    QStringList arguments{"-s", "300"};
-    QStringList names = key.split('+');
-    const QString last = names.takeLast();
-    for (const QString& modifier : names)
-      arguments << "-M" << modifier;
-    arguments << "-k" << last << "-s"
-              << "50";
-    for (const QString& modifier : names)
-      arguments << "-m" << modifier;
+  void Press(const QString& keys) override {
+    QStringList arguments;
+    for (const QString& key : keys.split(' ')) {
+      QStringList names = key.split('+');
+      const QString last = names.takeLast();
+      // A moment for the new keyboard to become known, and for what a key before has opened.
+      arguments << "-s"
+                << "300";
+      for (const QString& modifier : names)
+        arguments << "-M" << modifier;
+      arguments << "-k" << last << "-s"
+                << "50";
+      for (const QString& modifier : names)
+        arguments << "-m" << modifier;
+    }
     Run("wtype", arguments);
   }
   void ResizeWindow(QSize size) override {
@@ -109,7 +113,7 @@ private:
                "\nxwayland disable\n"
                "for_window [app_id=\".*\"] floating enable, move position 20 20\n");
   }
-  QByteArray Screenshot() override { return Run("grim", {"-"}); }
+  QByteArray Screenshot() override { return Run("grim", {"-t", "ppm", "-"}); }
 };
 
 } // namespace
@@ -226,10 +230,10 @@ QImage DisplaySession::Picture() {
   return QImage::fromData(Screenshot()).convertToFormat(QImage::Format_RGB32);
 }
 
-bool DisplaySession::PressUntil(const QString& key, const std::function<bool()>& effect) {
+bool DisplaySession::PressUntil(const QString& keys, const std::function<bool()>& effect) {
   constexpr int kPresses = 5;
   for (int press = 0; press < kPresses; ++press) {
-    Press(key);
+    Press(keys);
     if (Eventually(effect, 8)) return true;
   }
   return false;

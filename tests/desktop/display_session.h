@@ -52,16 +52,16 @@ public:
   /// For programs that shall appear here, with folders of their own for what they store.
   const QProcessEnvironment& Environment() const { return environment_; }
 
-  /// Presses keys by their names: "h", "Left", "alt+v".
-  virtual void Press(const QString& key) = 0;
+  /// Presses keys by their names, one after the other: "h", "Left", "alt+v c".
+  virtual void Press(const QString& keys) = 0;
   /// What a person does to the window in front.
   virtual void ResizeWindow(QSize size) = 0;
   virtual void CloseWindow() = 0;
   /// The whole screen as it is seen now.
   QImage Picture();
 
-  /// Presses `key` until `effect` is seen: the first press may find no keyboard focus yet.
-  bool PressUntil(const QString& key, const std::function<bool()>& effect);
+  /// Presses `keys` until `effect` is seen: the first press may find no keyboard focus yet.
+  bool PressUntil(const QString& keys, const std::function<bool()>& effect);
 
 protected:
   DisplaySession();
@@ -69,7 +69,7 @@ protected:
              const QProcessEnvironment& environment);
   /// Runs a tool to its end in this session; its standard output.
   QByteArray Run(const QString& program, const QStringList& arguments);
-  virtual QByteArray Screenshot() = 0; ///< as PNG
+  virtual QByteArray Screenshot() = 0; ///< as PPM, which costs no time to compress
 
   QTemporaryDir folder_;
   QProcessEnvironment environment_;

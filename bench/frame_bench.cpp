@@ -1,18 +1,15 @@
 // What a frame of halvenor-render costs beside the same frame in the OpenGL driver alone: the
 // plug-in, the platform layer, the read-back and the hand-over against a replay of the frame's
-// OpenGL calls that ends with the picture finished. The two take turns.
+// OpenGL calls that ends with the picture finished. The two take turns. And what each part of the
+// frame takes in the driver.
 #include "bench/demo_records.h"
 #include "bench/gl_tape.h"
-#include "platform/agl.h"
 #include "render/offscreen_show.h"
-
-#include <GL/gl.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <utility>
@@ -25,8 +22,6 @@ using render::kNanosecondsPerRecord;
 using render::kNanosecondsPerSecond;
 
 constexpr std::uint64_t kFrameInterval = kNanosecondsPerSecond / 60;
-constexpr int kFontSize = 9;
-constexpr int kGlyphs = 256;
 
 [[noreturn]] void Fail(const std::string& reason) {
   std::fprintf(stderr, "halvenor-frame-bench: %s\n", reason.c_str());
@@ -47,17 +42,12 @@ struct Pair {
 
 template <class Work>
 Times Measure(const Work& work) {
-  const auto processor = [] {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-  };
-  const double processorBefore = processor();
+  const double processorBefore = ProcessorMilliseconds();
   const auto before = std::chrono::steady_clock::now();
   work();
   const std::chrono::duration<double, std::milli> elapsed =
       std::chrono::steady_clock::now() - before;
-  return {elapsed.count(), processor() - processorBefore};
+  return {elapsed.count(), ProcessorMilliseconds() - processorBefore};
 }
 
 double Median(std::vector<double> values) {
@@ -66,64 +56,10 @@ double Median(std::vector<double> values) {
   return *middle;
 }
 
-/// A context and a frame buffer like the plug-in's, current on this thread.
-class Stage {
-public:
-  explicit Stage(const render::Options& options) {
-    port_.kind = kHalvenorPortOffscreen;
-    port_.bounds = {0, 0, static_cast<std::int16_t>(options.height),
-                    static_cast<std::int16_t>(options.width)};
-    const GLint attributes[] = {
-        AGL_RGBA, AGL_DOUBLEBUFFER,   AGL_RED_SIZE,    8,       AGL_ALPHA_SIZE, 8, AGL_DEPTH_SIZE,
-        24,       AGL_CLOSEST_POLICY, AGL_NO_RECOVERY, AGL_NONE};
-    const AGLPixelFormat format = aglChoosePixelFormat(nullptr, 0, attributes);
-    context_ = aglCreateContext(format, nullptr);
-    aglDestroyPixelFormat(format);
-    aglSetDrawable(context_, &port_);
-    MakeCurrent();
-    glEnable(GL_BLEND);
-    std::int16_t family = 0;
-    GetFNum(reinterpret_cast<const unsigned char*>("\x09Helvetica"), &family);
-    // A fresh context's first names, as in the plug-in's.
-    aglUseFont(context_, family, 0, kFontSize, 0, kGlyphs, static_cast<GLint>(glGenLists(kGlyphs)));
-  }
-  ~Stage() {
-    aglSetCurrentContext(nullptr);
-    aglDestroyContext(context_);
-  }
-  Stage(const Stage&) = delete;
-  Stage& operator=(const Stage&) = delete;
-
-  /// To be called after each message: the plug-in lets go of whatever is current.
-  void MakeCurrent() const {
-    if (!aglSetCurrentContext(context_)) Fail("no OpenGL");
-  }
-
-  static void Draw(const GlTape& tape) {
-    tape.Play();
-    glFinish();
-  }
-
-  /// The picture, top row first.
-  [[nodiscard]] std::vector<std::uint8_t> Picture() const {
-    const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(port_.bounds.right);
-    std::vector<std::uint8_t> picture;
-    std::vector<std::uint8_t> row(rowBytes);
-    for (int y = port_.bounds.bottom - 1; y >= 0; --y) {
-      glReadPixels(0, y, port_.bounds.right, 1, GL_RGBA, GL_UNSIGNED_BYTE, row.data());
-      picture.insert(picture.end(), row.begin(), row.end());
-    }
-    return picture;
-  }
-
-private:
-  HalvenorPort port_{};
-  AGLContext context_ = nullptr;
-};
-
 class Comparison {
 public:
-  explicit Comparison(const render::Options& options) : stage_(options) {
+  explicit Comparison(const render::Options& options)
+      : width_(options.width), height_(options.height) {
     std::string error;
     show_ = render::OffscreenShow::Open(options, error);
     if (!show_) Fail(error);
@@ -142,16 +78,18 @@ public:
     tape_.Start();
     DrawFrame();
     tape_.Stop();
-    stage_.MakeCurrent();
-    Stage::Draw(tape_);
-    if (stage_.Picture() != picture_) Fail("the replay shows another picture");
+    tape_.Play();
+    if (tape_.Picture(width_, height_) != picture_) Fail("the replay shows another picture");
 
     std::vector<Pair> pairs;
+    std::vector<PartTimes> parts;
     for (int i = 0; i < frames; ++i) {
       const Times whole = Measure([this] { DrawFrame(); });
-      pairs.push_back({whole, Measure([this] { Stage::Draw(tape_); })});
+      pairs.push_back({whole, Measure([this] { tape_.Play(); })});
+      parts.push_back(tape_.PlayInParts());
     }
     Print(second, pairs);
+    Print(parts);
   }
 
 private:
@@ -179,7 +117,20 @@ private:
     std::printf("\n");
   }
 
-  Stage stage_;
+  static void Print(const std::vector<PartTimes>& frames) {
+    std::printf("      ");
+    for (std::size_t part = 0; part < kPartNames.size(); ++part) {
+      std::vector<double> values;
+      values.reserve(frames.size());
+      for (const PartTimes& times : frames)
+        values.push_back(times[part]);
+      std::printf(" %s %.3f", kPartNames[part], Median(std::move(values)));
+    }
+    std::printf("\n");
+  }
+
+  int width_;
+  int height_;
   std::unique_ptr<render::OffscreenShow> show_;
   std::vector<std::uint8_t> picture_;
   GlTape tape_;
@@ -196,10 +147,16 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: halvenor-frame-bench [FRAMES]\n");
     return 1;
   }
-  halvenor::bench::Comparison comparison({});
   std::printf("medians, ms: %35s  %30s\n  at    calls  %10s %10s %8s  %10s %10s %8s\n",
               "time that passed", "processor time of all threads", "frame", "driver", "ratio",
               "frame", "driver", "ratio");
-  for (const int second : {10, 20, 30, 40, 50})
-    comparison.At(second, frames);
+  for (const auto& [width, height] : {std::pair{640, 480}, {1280, 720}, {1920, 1080}}) {
+    std::printf("%dx%d\n", width, height);
+    halvenor::render::Options options;
+    options.width = width;
+    options.height = height;
+    halvenor::bench::Comparison comparison(options);
+    for (const int second : {10, 30, 50})
+      comparison.At(second, frames);
+  }
 }

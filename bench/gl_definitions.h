@@ -1,24 +1,28 @@
-// Defines every OpenGL function that the plug-in uses, each by the one template of the including
+// Defines every OpenGL function that the plug-in uses, and the platform layer's choice of what is
+// drawn into, each by the one template of the including
 // file, which must see
 //
 //   template <Function F, class Result, class... Arguments> Result Serve(Arguments... arguments);
 //
-// and then says HALVENOR_GL_FUNCTIONS(HALVENOR_DEFINE_GL) outside any namespace.
+// and then says HALVENOR_BENCH_FUNCTIONS(HALVENOR_DEFINE_GL) outside any namespace.
 #pragma once
 
 #define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/gl_functions.h"
 
 #include <GL/gl.h>
+#include <GL/glext.h>
 #include <GL/glu.h>
 
 #include <cstddef>
 #include <tuple>
 
+#define HALVENOR_BENCH_FUNCTIONS(X) HALVENOR_GL_FUNCTIONS(X) X(2, glBindFramebuffer, "en")
+
 namespace halvenor::bench {
 
 #define HALVENOR_GL_ENUMERATOR(arity, name, kinds) name,
-enum class Function : std::size_t { HALVENOR_GL_FUNCTIONS(HALVENOR_GL_ENUMERATOR) };
+enum class Function : std::size_t { HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_ENUMERATOR) };
 #undef HALVENOR_GL_ENUMERATOR
 
 template <class Signature>

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
 #include <new>
 #include <type_traits>
@@ -14,8 +15,25 @@ namespace {
 std::atomic<GlTape*> recording = nullptr;
 
 #define HALVENOR_GL_NAME(arity, name, kinds) #name,
-constexpr const char* kNames[] = {HALVENOR_GL_FUNCTIONS(HALVENOR_GL_NAME)};
+constexpr const char* kNames[] = {HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_NAME)};
 #undef HALVENOR_GL_NAME
+
+// What ends one part of a frame and begins another.
+constexpr struct {
+  Part from;
+  Function function;
+  GLenum name; // 0: any
+  Part to;
+} kTurns[] = {
+    {Part::Feedback, Function::glInterleavedArrays, 0, Part::Lines},
+    {Part::Lines, Function::glBegin, 0, Part::Band},
+    {Part::Band, Function::glEnable, GL_VERTEX_PROGRAM_ARB, Part::Blur},
+    {Part::Blur, Function::glDisable, GL_VERTEX_PROGRAM_ARB, Part::Picture},
+    {Part::Picture, Function::glInterleavedArrays, 0, Part::Overlay},
+    {Part::Picture, Function::glEnable, GL_VERTEX_PROGRAM_ARB, Part::Composite},
+    {Part::Overlay, Function::glEnable, GL_VERTEX_PROGRAM_ARB, Part::Composite},
+    {Part::Composite, Function::glDisable, GL_VERTEX_PROGRAM_ARB, Part::Texts},
+};
 
 // The driver's function behind the one of that name here.
 template <Function F, class Result, class... Arguments>
@@ -27,6 +45,11 @@ struct Driver {
 template <Function F, class Result, class... Arguments>
 void Record(GlTape& tape, Arguments... arguments) {
   using Values = std::tuple<Arguments...>;
+  if constexpr (sizeof...(Arguments) > 0) {
+    const auto first = std::get<0>(Values(arguments...));
+    if constexpr (std::is_same_v<decltype(first), const GLenum>)
+      tape.Enter(static_cast<std::size_t>(F), first);
+  }
   GlTape::Call call{};
   static_assert(sizeof(Values) <= sizeof call.arguments);
   static_assert(alignof(Values) <= alignof(void*));
@@ -58,8 +81,29 @@ Result Serve(Arguments... arguments) {
 
 } // namespace
 
+double ProcessorMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+/// The tape's context on this thread, for a scope.
+class GlTape::Current {
+public:
+  explicit Current(const GlTape& tape) : tape_(tape) {
+    eglMakeCurrent(tape.display_, EGL_NO_SURFACE, EGL_NO_SURFACE, tape.context_);
+  }
+  ~Current() { eglMakeCurrent(tape_.display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT); }
+  Current(const Current&) = delete;
+  Current& operator=(const Current&) = delete;
+
+private:
+  const GlTape& tape_;
+};
+
 void GlTape::Start() {
   calls_.clear();
+  part_ = Part::Feedback;
   recording = this;
 }
 
@@ -67,9 +111,61 @@ void GlTape::Stop() {
   recording = nullptr;
 }
 
+void GlTape::Add(Call call) {
+  if (calls_.empty()) {
+    display_ = eglGetCurrentDisplay();
+    context_ = eglGetCurrentContext();
+  }
+  call.part = part_;
+  calls_.push_back(call);
+}
+
+void GlTape::Enter(std::size_t function, unsigned name) {
+  for (const auto& turn : kTurns) {
+    if (turn.from != part_ || static_cast<std::size_t>(turn.function) != function) continue;
+    if (turn.name != 0 && turn.name != name) continue;
+    part_ = turn.to;
+    return;
+  }
+}
+
 void GlTape::Play() const {
+  const Current current(*this);
   for (const Call& call : calls_)
     call.play(call);
+  glFinish();
+}
+
+PartTimes GlTape::PlayInParts() const {
+  const Current current(*this);
+  PartTimes times{};
+  Part part = Part::Feedback;
+  double begun = ProcessorMilliseconds();
+  const auto end = [&] {
+    glFinish();
+    const double now = ProcessorMilliseconds();
+    times[static_cast<std::size_t>(part)] += now - begun;
+    begun = now;
+  };
+  for (const Call& call : calls_) {
+    if (call.part != part) {
+      end();
+      part = call.part;
+    }
+    call.play(call);
+  }
+  end();
+  return times;
+}
+
+std::vector<std::uint8_t> GlTape::Picture(int width, int height) const {
+  const Current current(*this);
+  const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(width);
+  std::vector<std::uint8_t> picture(rowBytes * static_cast<std::size_t>(height));
+  for (int y = 0; y < height; ++y)
+    glReadPixels(0, height - 1 - y, width, 1, GL_RGBA, GL_UNSIGNED_BYTE,
+                 &picture[rowBytes * static_cast<std::size_t>(y)]);
+  return picture;
 }
 
 const Spectrum::Vertex* GlTape::Keep(const void* vertices) {
@@ -79,4 +175,4 @@ const Spectrum::Vertex* GlTape::Keep(const void* vertices) {
 
 } // namespace halvenor::bench
 
-HALVENOR_GL_FUNCTIONS(HALVENOR_DEFINE_GL)
+HALVENOR_BENCH_FUNCTIONS(HALVENOR_DEFINE_GL)

@@ -3,14 +3,27 @@
 
 #include "scene/spectrum.h"
 
+#include <EGL/egl.h>
+
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace halvenor::bench {
 
-/// The calls of a frame. A program that links this defines the OpenGL functions that the plug-in
-/// uses: they go on to the driver and, while a tape records, onto the tape.
+/// The parts of a default frame, in their order.
+enum class Part : std::size_t { Feedback, Lines, Band, Blur, Picture, Overlay, Composite, Texts };
+inline constexpr std::array<const char*, 8> kPartNames = {
+    "feedback", "lines", "band", "four blur passes", "picture", "overlay", "composite", "texts"};
+/// Processor time of all threads so far.
+double ProcessorMilliseconds();
+/// Processor time of each part, in milliseconds.
+using PartTimes = std::array<double, kPartNames.size()>;
+
+/// The calls of a frame and the context that they were made on. A program that links this defines
+/// the OpenGL functions that the plug-in uses: they go on to the driver and, while a tape records,
+/// onto the tape.
 ///
 /// One tape records at a time. Start and stop while no frame is being drawn; the frame itself may
 /// be drawn on any thread.
@@ -19,22 +32,35 @@ public:
   void Start();
   void Stop();
 
-  /// Makes the recorded calls again, straight to the driver, on the context that is current here.
-  /// Display lists have to have the names that they had.
+  /// Makes the recorded calls again, straight to the driver, on their own context, which must be
+  /// current nowhere else, and returns when the driver has finished. A frame draws over all that it
+  /// does not read, so that this draws the same picture again.
   void Play() const;
+  /// The same, each part finished before the next begins.
+  [[nodiscard]] PartTimes PlayInParts() const;
+  /// The picture that the last play has drawn, RGBA, top row first.
+  [[nodiscard]] std::vector<std::uint8_t> Picture(int width, int height) const;
 
   [[nodiscard]] std::size_t Length() const { return calls_.size(); }
 
   struct Call {
     void (*play)(const Call& call);
     alignas(void*) std::array<std::byte, 24> arguments;
+    Part part;
   };
   /// Adds one call. The vertices are copied: the plug-in will have others by then.
-  void Add(const Call& call) { calls_.push_back(call); }
+  void Add(Call call);
+  /// Has the part that `function`, with a first argument of `name`, begins begin.
+  void Enter(std::size_t function, unsigned name);
   const Spectrum::Vertex* Keep(const void* vertices);
 
 private:
+  class Current;
+
   std::vector<Call> calls_;
+  Part part_ = Part::Feedback;
+  EGLDisplay display_ = EGL_NO_DISPLAY;
+  EGLContext context_ = EGL_NO_CONTEXT;
   std::array<Spectrum::Vertex, std::size_t{2} * Spectrum::kVerticesPerChannel> vertices_{};
 };
 

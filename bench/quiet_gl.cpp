@@ -1,8 +1,10 @@
-// OpenGL and the context layer without any effect, so that what is left of a frame's time is the
-// plug-in's own. In a shared library of its own, for calls to cost what they cost a plug-in.
+// OpenGL, the context layer and bundles without any effect, so that what is left of a frame's time
+// is the plug-in's own. In a shared library of its own, for calls to cost what they cost a plug-in.
 #include "bench/gl_definitions.h"
 #include "platform/agl.h"
+#include "platform/core_foundation.h"
 
+#include <cstdio>
 #include <type_traits>
 
 namespace halvenor::bench {
@@ -10,6 +12,8 @@ namespace {
 
 template <Function F, class Result, class... Arguments>
 Result Serve(Arguments...) {
+  // The blur by programs is the one that drivers have.
+  if constexpr (F == Function::gluCheckExtension) return GL_TRUE;
   if constexpr (std::is_same_v<Result, const GLubyte*>) return reinterpret_cast<Result>("");
   return Result();
 }
@@ -17,7 +21,7 @@ Result Serve(Arguments...) {
 } // namespace
 } // namespace halvenor::bench
 
-HALVENOR_GL_FUNCTIONS(HALVENOR_DEFINE_GL)
+HALVENOR_BENCH_FUNCTIONS(HALVENOR_DEFINE_GL)
 
 struct HalvenorPixelFormat {};
 struct HalvenorContext {};
@@ -74,6 +78,18 @@ GLenum aglGetError() {
 const GLubyte* aglErrorString(GLenum) {
   return reinterpret_cast<const GLubyte*>("");
 }
+CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef) {
+  static char bundle;
+  return reinterpret_cast<CFBundleRef>(&bundle);
+}
+CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle) {
+  return reinterpret_cast<CFURLRef>(bundle);
+}
+bool CFURLGetFileSystemRepresentation(CFURLRef, bool, uint8_t* buffer, ptrdiff_t size) {
+  return std::snprintf(reinterpret_cast<char*>(buffer), static_cast<std::size_t>(size),
+                       HALVENOR_RESOURCES) < size;
+}
+void CFRelease(CFTypeRef) {}
 void GetFNum(const unsigned char*, int16_t* family) {
   *family = 1;
 }

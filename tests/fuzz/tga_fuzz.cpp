@@ -33,7 +33,8 @@ std::uint8_t Read(const TextureImage& image) {
 
 } // namespace
 
-// Sizes beyond reason meet a machine without memory.
+// Sizes beyond reason meet a machine without memory. The name is the sanitizer's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" __attribute__((visibility("default"), used)) const char* __asan_default_options() {
   return "allocator_may_return_null=1:max_allocation_size_mb=64";
 }

@@ -2,6 +2,8 @@
 
 #include "gl/diagnostics.h"
 
+#include <algorithm>
+
 namespace halvenor {
 namespace {
 
@@ -31,8 +33,8 @@ std::int32_t Display::Resize(GrafPtr newPort, const Rect* rect) {
   if (mainContext == nullptr) return 0;
   Rect bounds;
   GetPortBounds(newPort, &bounds);
-  width = rect->right - rect->left;
-  height = rect->bottom - rect->top;
+  width = std::max(0, rect->right - rect->left); // a rectangle inside out is an empty one
+  height = std::max(0, rect->bottom - rect->top);
   port = newPort;
   aglSetCurrentContext(mainContext);
   // The buffer rectangle has its origin at the bottom left of the port.

@@ -22,13 +22,15 @@ Status Initialise(VisualPluginData*, VisualMessage* message) HALVENOR_REQUIRES(m
   record->appProc = message->init.appProc;
   const Status result =
       PlayerGetPluginFileSpec(record->appCookie, record->appProc, &record->pluginFileSpec);
-  visualPluginData = record; // messages from inside the host call came with something else
   message->init.refCon = record;
   InitialiseVisualPluginData(record);
+  // Messages from inside the host calls came with something else, or took the record back.
+  visualPluginData = LiveRecord(record);
   return result;
 }
 
 Status CleanUp(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  if (record == nullptr) return status::kOk;
   CloseRenderer(); // lets go of the lock for a while: look again
   if (LiveRecord(record) != nullptr) ReleaseRecord(record);
   return status::kOk;
@@ -83,6 +85,7 @@ Status Unpause(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex
 
 Status TakeEvent(VisualPluginData* record, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
   const EventRecord* event = message->event.event;
+  if (event == nullptr) return status::kNotHandled;
   if (event->what != kKeyDownEvent && event->what != kKeyRepeatEvent) return status::kNotHandled;
   const auto key = static_cast<char>(event->message & 0xFFU);
   if (key == kConfigureKey) {

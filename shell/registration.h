@@ -9,7 +9,8 @@ namespace halvenor {
 /// status. A second call registers again and keeps what the first has made.
 Status RegisterVisualPlugin(const PluginInitMessage* message);
 
-/// The handler that is registered. `refCon` is the record's address, as handed back on 'init'.
+/// The handler that is registered. A host sends its messages from one thread at a time, or from
+/// inside a request. `refCon` is the record's address, as handed back on 'init'.
 Status VisualPluginHandler(FourCharCode message, VisualMessage* record, void* refCon);
 
 /// Stores the four bytes of a version.

@@ -42,7 +42,11 @@ MessageScope::MessageScope() HALVENOR_NO_ANALYSIS : taken_(!mutex.HeldByThisThre
 }
 
 MessageScope::~MessageScope() HALVENOR_NO_ANALYSIS {
-  if (taken_) mutex.Unlock();
+  if (taken_) {
+    mutex.Unlock();
+  } else {
+    aglSetCurrentContext(nullptr); // the host goes on from here with whatever was current before
+  }
 }
 
 } // namespace halvenor

@@ -66,11 +66,11 @@ void CloseRenderer() {
 
 Status OpenRenderer(VisualPluginData* record, const VisualWindowMessage* showMessage) {
   if (renderer == nullptr) return status::kDisplayNotOpened;
-  CloseRenderer();
+  CloseRenderer(); // lets go of the lock for a while: the record is looked up again below
   const Rect rect = showMessage->drawRect;
   if (renderer->Open(showMessage->port, &rect) == 0) return status::kDisplayNotOpened;
   rendering = 1;
-  renderer->Render(record);
+  renderer->Render(LiveRecord(record));
   StartRenderThread();
   return status::kOk;
 }

@@ -17,8 +17,9 @@ std::string TextOf(const std::uint8_t* pascalText) {
 }
 
 void Replace(std::string*& line, std::string text) {
+  auto* replacement = new std::string(std::move(text));
   delete line;
-  line = new std::string(std::move(text));
+  line = replacement;
 }
 
 // False, and the copy cleared, when there is no record.

@@ -49,5 +49,24 @@ TEST(Feedback, TrailsDieToExactBlack) {
   }
 }
 
+// With nothing faded, what was drawn once drifts outward with the zoom alone.
+double EdgeAfterHalfASecond(int framesPerSecond) {
+  Settings settings = TrailLook();
+  settings.fade = 0.0F;
+  settings.zoom = 0.8F;
+  settings.zoomRotation = 0.0F;
+  settings.smoothing = 0;
+  OffscreenPlugin plugin(settings, 512, 512);
+  plugin.DeliverFlat(100, 100, 1);
+  plugin.Step(5, 1000); // a band that is saturated at its place, hardly moved
+  plugin.DeliverFlat(0, 0, 12000);
+  plugin.Step(framesPerSecond / 2, framesPerSecond);
+  return 256.0 - plugin.LitRows(256)[0];
+}
+
+TEST(Feedback, FlowsAsFarInASecondAtAnyFrameRate) {
+  std::printf("edges %f %f %f\n", EdgeAfterHalfASecond(30), EdgeAfterHalfASecond(60), EdgeAfterHalfASecond(144));
+}
+
 } // namespace
 } // namespace halvenor

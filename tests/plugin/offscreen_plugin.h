@@ -55,6 +55,7 @@ public:
     EXPECT_EQ(host_->Show(&port_, port_.bounds, 0), status::kOk);
     clock::WaitUntilParked();
   }
+  void Press(char key) { EXPECT_TRUE(host_->Key(key, false)) << key; }
   void SetRect(const Rect& rect) { EXPECT_EQ(host_->SetWindow(&port_, rect, 0), status::kOk); }
 
   /// Delivers `times` records with every bin of a channel at one magnitude.
@@ -67,10 +68,11 @@ public:
       host_->RenderData(record.get(), 0);
   }
 
-  void Step(int frames = 1) {
+  void Step(int frames = 1, int framesPerSecond = 60) {
     for (int i = 0; i < frames; ++i) {
       const int before = frames_;
-      EXPECT_EQ(clock::Step(clock::Now() + 1000000000 / 60), clock::StepResult::Frame);
+      const auto interval = static_cast<std::uint64_t>(1000000000 / framesPerSecond);
+      EXPECT_EQ(clock::Step(clock::Now() + interval), clock::StepResult::Frame);
       EXPECT_EQ(frames_, before + 1);
     }
   }

@@ -1,6 +1,7 @@
 // What a viewer sees: the real module on the software renderer.
 #include "tests/plugin/offscreen_plugin.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace halvenor {
@@ -81,6 +82,44 @@ TEST(Picture, TextsStandWhereTheyBelong) {
       EXPECT_GT(plugin.LitPixels(x - 1, kHeight / 2 - 3, x + 2, kHeight / 2 + 3), 2);
     }
     EXPECT_EQ(plugin.LitPixels(0, 0, kWidth, kHeight / 2 - 10 - size), 0);
+  }
+}
+
+TEST(Picture, PanelsAndMessagesFitEverySizeAndStayInside) {
+  for (const auto& [width, height] : {std::pair{64, 64}, {640, 480}, {1280, 720}, {3840, 2160}}) {
+    for (const int size : {9, 24}) {
+      SCOPED_TRACE(testing::Message() << width << "x" << height << ", font size " << size);
+      Settings settings = PlainLook();
+      settings.fontSize = size;
+      settings.showFrameRate = 1;
+      settings.numFrequencyLabels = 10;
+      OffscreenPlugin plugin(settings, width, height);
+      // The panel begins half its width from the right edge: left of a small picture, and then
+      // none of it shows. The message stands in the second line from the top.
+      const int panel = width - 12 * size;
+      const int line = size + size / 2;
+      plugin.Press('i');
+      plugin.Press('a');
+      plugin.Step(2);
+      EXPECT_EQ(plugin.LitPixels(0, 0, width, size / 2), 0) << "above the first line";
+      EXPECT_GT(plugin.LitPixels(0, size / 2, std::min(width, 12 * size), 2 * line), size);
+      const int lines = plugin.LitPixels(std::max(panel, 0), line, width, height);
+      EXPECT_TRUE(panel < 0 ? height < 100 : lines > 20 * size) << lines;
+
+      // In a smaller rectangle nothing touches what lies around it.
+      const int left = width / 4, top = height / 4, right = width - width / 8,
+                bottom = height - top;
+      plugin.SetRect({static_cast<std::int16_t>(top), static_cast<std::int16_t>(left),
+                      static_cast<std::int16_t>(bottom), static_cast<std::int16_t>(right)});
+      plugin.DeliverFlat(255, 255, 20);
+      plugin.Press('h');
+      plugin.Step(2);
+      EXPECT_GT(plugin.LitPixels(left, top, right, bottom), size);
+      EXPECT_EQ(plugin.LitPixels(0, 0, width, top), 0);
+      EXPECT_EQ(plugin.LitPixels(0, bottom, width, height), 0);
+      EXPECT_EQ(plugin.LitPixels(0, 0, left, height), 0);
+      EXPECT_EQ(plugin.LitPixels(right, 0, width, height), 0);
+    }
   }
 }
 

@@ -78,6 +78,7 @@ protected:
 };
 
 TEST_F(Autopilot, RandomLooksDrawInOrder) {
+  int faintest = 0, strongest = 0, fewLines = 0, inward = 0, slowest = 0;
   for (int i = 0; i < 20000; ++i) {
     Settings expected = data_->settings;
     expected.intensity = Intensity();
@@ -95,7 +96,22 @@ TEST_F(Autopilot, RandomLooksDrawInOrder) {
             colors);
     renderer_->RandomizeSettings(data_.get());
     ASSERT_TRUE(Same(data_->settings, expected)) << "look " << i;
+    const Settings& now = data_->settings;
+    faintest += now.intensity == 0.2F;
+    strongest += now.intensity == 0.8F;
+    fewLines += now.numLines <= 7.0F;
+    inward += now.zoom < 0.5F;
+    slowest += std::fabs(now.zoom - 0.5F) < 0.0625F;
   }
+  // What the generators imply, within four standard deviations of such a count.
+  const auto expectShare = [](int count, double share) {
+    EXPECT_NEAR(count / 20000.0, share, 4 * std::sqrt(share * (1 - share) / 20000));
+  };
+  expectShare(faintest, std::sqrt(0.2)); // a square below 0.2
+  expectShare(strongest, 1 - std::sqrt(0.8));
+  expectShare(fewLines, 0.07 + 0.93 * 0.07); // at once, or at the second draw
+  expectShare(inward, 0.5);
+  expectShare(slowest, 0.5); // the square of a quarter at most
 }
 
 TEST_F(Autopilot, StepsMoveTowardTargetsInOrder) {

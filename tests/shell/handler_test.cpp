@@ -127,7 +127,8 @@ TEST_F(Handler, DataPauseAndStop) {
 }
 
 TEST_F(Handler, KeysAreTheLowByteOfTheEventsWord) {
-  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'x' << 8), -4); // not the second byte
+  EXPECT_EQ(host_.Send(message::kEvent), -4);              // without an event
+  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'y' << 8), -4); // not the second byte
   EXPECT_EQ(host_.SendEvent(1, 'c'), -4);                  // a mouse event
   EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'C'), -4);
   EXPECT_THAT(host_.requests, testing::IsEmpty());

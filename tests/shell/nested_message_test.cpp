@@ -37,7 +37,8 @@ protected:
 TEST_F(NestedMessages, LeavingFullScreenBringsANewWindow) {
   host_.inside[request::kSetFullScreen] = [this] {
     EXPECT_EQ(host_.SendWindow(message::kSetWindow, &port_, {0, 0, 100, 200}, 0), 0);
-    EXPECT_TRUE(mutex.HeldByThisThread()); // the outer message still has it
+    EXPECT_TRUE(mutex.HeldByThisThread());           // the outer message still has it
+    EXPECT_EQ(stand_ins::CurrentContextNumber(), 0); // but the host's own GL is back
   };
   EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
   EXPECT_EQ(host_.Record()->windowOptions, 0U);
@@ -68,11 +69,14 @@ TEST_F(NestedMessages, TheRecordIsGoneAfterwards) {
   EXPECT_EQ(RecordGuard().Record(), nullptr);
 }
 
-TEST_F(NestedMessages, TheRegistrationAndInitAnswerInside) {
-  TestHost other;
-  other.inside[request::kGetPluginFileSpec] = [this] { host_.Send(message::kIdle); };
-  EXPECT_EQ(other.Init(), 0);
-  EXPECT_EQ(LastReference(), other.Record()); // not the one that the inner message brought
+TEST_F(NestedMessages, InitKeepsItsRecordWhateverComesInside) {
+  for (const FourCharCode code :
+       {request::kGetPluginFileSpec, request::kGetPluginData, request::kSetFullScreenOptions}) {
+    TestHost other;
+    other.inside[code] = [this] { host_.Send(message::kIdle); };
+    EXPECT_EQ(other.Init(), 0);
+    EXPECT_EQ(RecordGuard().Record(), other.Record()); // not the one that the inner message brought
+  }
 }
 
 TEST_F(NestedMessages, TheGuardTakesTheLockUnlessItsThreadHasIt) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <future>
 #include <string>
 #include <thread>
@@ -41,6 +42,10 @@ TEST(Carbon, IntervalsAreNegatedMicrosecondsWhileTheyFit) {
 }
 
 TEST(Carbon, BlocksAreZeroAndAbsurdSizesAreRefused) {
+  void* used = NewPtrClear(100'000);
+  ASSERT_NE(used, nullptr);
+  std::memset(used, 0xff, 100'000);
+  DisposePtr(used);
   auto* block = static_cast<unsigned char*>(NewPtrClear(100'000));
   ASSERT_NE(block, nullptr);
   EXPECT_TRUE(std::all_of(block, block + 100'000, [](unsigned char byte) { return byte == 0; }));
@@ -162,6 +167,9 @@ TEST(DebugLog, AReceiverTakesOverAndIsDoneWhenItIsReplaced) {
   EXPECT_TRUE(received.left);
   EXPECT_EQ(received.message, "\xe9\n") << "bytes as they were written";
   writer.join();
+  testing::internal::CaptureStderr();
+  DebugStr(reinterpret_cast<ConstStr255Param>("\x01!"));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::EndsWith(": !\n"));
 }
 
 TEST(RecordGuardTest, LeavesOnlyWhatItEntered) {

@@ -55,7 +55,9 @@ TEST_F(AglStandInTest, CountsWhatIsAlive) {
   const AGLContext context = MakeContext();
   EXPECT_EQ(LiveContexts(), 1);
   EXPECT_EQ(LivePixelFormats(), 1);
+  aglSetCurrentContext(context);
   aglDestroyContext(context);
+  EXPECT_EQ(CurrentContextNumber(), 0);
   aglDestroyPixelFormat(format_);
   aglDestroyPixelFormat(nullptr);
   EXPECT_EQ(LiveContexts(), 0);
@@ -71,7 +73,8 @@ TEST_F(AglStandInTest, FaultsHitTheCallsTheyAreMeantFor) {
   EXPECT_NE(aglCreateContext(format_, nullptr), nullptr);
   EXPECT_EQ(LiveContexts(), 2);
 
-  Fail("aglSetCurrentContext", AGL_NO_OPENGL);
+  Fail("aglSetCurrentContext", AGL_NO_OPENGL, 2);
+  EXPECT_TRUE(aglSetCurrentContext(nullptr));
   EXPECT_FALSE(aglSetCurrentContext(context));
   EXPECT_EQ(CurrentContextNumber(), 0);
   Fail("aglSetCurrentContext", 0, 1, 0);

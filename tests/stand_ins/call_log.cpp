@@ -88,7 +88,6 @@ std::string NumberText(double value) {
 
 void Record(Function function, const std::vector<std::string>& parts, std::vector<double> arguments,
             std::vector<Vertex> vertices) {
-  if (!Recording()) return;
   std::string text = std::string(NameOf(function)) + "(";
   for (std::size_t i = 0; i < parts.size(); ++i)
     text += (i == 0 ? "" : ", ") + parts[i];

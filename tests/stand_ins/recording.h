@@ -34,7 +34,7 @@ enum class Function : std::size_t {
 /// An enumerant as recorded calls show it.
 [[nodiscard]] std::string EnumerantText(GLenum value);
 
-/// Adds one call unless silent. The text is "name(parts, joined)".
+/// Adds one call; callers ask `Recording` first. The text is "name(parts, joined)".
 void Record(Function function, const std::vector<std::string>& parts, std::vector<double> arguments,
             std::vector<Vertex> vertices = {});
 

@@ -2,6 +2,7 @@
 
 #include "gl/blur_arb.h"
 #include "gl/diagnostics.h"
+#include "gl/textured_quad.h"
 
 #include <GL/gl.h>
 
@@ -133,17 +134,7 @@ void PBufferBlur::DrawBlur() {
 }
 
 void PBufferBlur::DrawTexture(float dx, float dy) const {
-  if (context == nullptr) return;
-  glBegin(GL_TRIANGLE_STRIP);
-  glTexCoord2f(0.0F, 0.0F);
-  glVertex3f(dx - 1.0F, dy - 1.0F, 0.0F);
-  glTexCoord2f(1.0F, 0.0F);
-  glVertex3f(dx + 1.0F, dy - 1.0F, 0.0F);
-  glTexCoord2f(0.0F, 1.0F);
-  glVertex3f(dx - 1.0F, dy + 1.0F, 0.0F);
-  glTexCoord2f(1.0F, 1.0F);
-  glVertex3f(dx + 1.0F, dy + 1.0F, 0.0F);
-  glEnd();
+  if (context != nullptr) DrawTexturedQuad(dx - 1.0F, dy - 1.0F, dx + 1.0F, dy + 1.0F);
 }
 
 } // namespace halvenor

@@ -1,6 +1,7 @@
 #include "renderer/renderer.h"
 
 #include "gl/diagnostics.h"
+#include "gl/textured_quad.h"
 #include "renderer/font_system.h"
 #include "scene/interval.h"
 #include "scene/numeric.h"
@@ -39,16 +40,7 @@ float ZoomScale(const VisualPluginData& data) {
 
 // The bound texture, as a quad that reaches (x, y) from the middle.
 void DrawImage(float x, float y) {
-  glBegin(GL_TRIANGLE_STRIP);
-  glTexCoord2f(0.0F, 0.0F);
-  glVertex3f(-x, -y, 0.0F);
-  glTexCoord2f(1.0F, 0.0F);
-  glVertex3f(x, -y, 0.0F);
-  glTexCoord2f(0.0F, 1.0F);
-  glVertex3f(-x, y, 0.0F);
-  glTexCoord2f(1.0F, 1.0F);
-  glVertex3f(x, y, 0.0F);
-  glEnd();
+  DrawTexturedQuad(-x, -y, x, y);
 }
 
 void CountDown(std::int32_t& time, std::int32_t elapsed) {

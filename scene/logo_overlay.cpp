@@ -1,5 +1,6 @@
 #include "scene/logo_overlay.h"
 
+#include "gl/textured_quad.h"
 #include "scene/interval.h"
 
 #include <GL/gl.h>
@@ -58,16 +59,7 @@ void LogoOverlay::Draw(float seconds) const {
   glColor4f(1.0F, 1.0F, 1.0F, (kShownSeconds - seconds) * kFading);
   glBindTexture(GL_TEXTURE_2D, image.textureId);
   glEnable(GL_TEXTURE_2D);
-  glBegin(GL_TRIANGLE_STRIP);
-  glTexCoord2f(0.0F, 0.0F);
-  glVertex3f(-x, -y, 0.0F);
-  glTexCoord2f(1.0F, 0.0F);
-  glVertex3f(x, -y, 0.0F);
-  glTexCoord2f(0.0F, 1.0F);
-  glVertex3f(-x, y, 0.0F);
-  glTexCoord2f(1.0F, 1.0F);
-  glVertex3f(x, y, 0.0F);
-  glEnd();
+  DrawTexturedQuad(-x, -y, x, y);
   glPopMatrix();
 }
 

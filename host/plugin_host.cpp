@@ -11,7 +11,7 @@
 namespace halvenor {
 namespace {
 
-// The longest name that a registration and a file specification hold.
+// The longest name that a registration and a file record hold.
 constexpr std::size_t kMaxName = 63;
 constexpr std::size_t kFileSpecNameOffset = 6;
 static_assert(kFileSpecNameOffset + 1 + kMaxName == kFileSpecSize);

@@ -3,8 +3,10 @@
 
 #include <EGL/egl.h>
 
+// The libraries' own names. NOLINTBEGIN(bugprone-reserved-identifier)
 struct _XDisplay;
 struct __GLXcontextRec;
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace halvenor::agl {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-struct _XDisplay;
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's own name
 
 namespace halvenor::agl {
 

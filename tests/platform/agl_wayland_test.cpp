@@ -12,7 +12,6 @@
 #include <vector>
 #include <xdg-shell-client-protocol.h>
 // After the header above, whose declarations make these definitions C++, too.
-#pragma GCC diagnostic ignored "-Wattributes"
 #include <xdg-shell-protocol-code.h>
 
 namespace halvenor {

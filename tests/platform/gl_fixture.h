@@ -113,7 +113,8 @@ struct Image {
   std::vector<Pixel> pixels;
 
   [[nodiscard]] Pixel At(int x, int y) const {
-    return pixels.at(static_cast<std::size_t>(y * width + x));
+    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                     static_cast<std::size_t>(x));
   }
 };
 

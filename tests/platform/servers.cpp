@@ -30,6 +30,7 @@ std::string ReadLine(int file) {
 ServerProcess::ServerProcess(std::vector<std::string> command, int handed,
                              std::vector<std::string> environment) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& word : command)
     arguments.push_back(word.data());
   arguments.push_back(nullptr);

@@ -29,7 +29,8 @@ typedef enum HalvenorPortKind {
   kHalvenorPortOffscreen = 3,
 } HalvenorPortKind;
 
-/// One finished frame of an offscreen port: rows of RGBA bytes.
+/// One finished frame of an offscreen port: rows of RGBA bytes. Alpha is what the drawing left, not
+/// how opaque the picture is: a picture is shown opaque.
 typedef struct HalvenorFrame {
   const uint8_t* topRow; ///< first byte of the top row; valid during the callback only
   ptrdiff_t stride;      ///< bytes from one row to the row below it; may be negative

@@ -61,6 +61,7 @@ void Visualizer::Show() {
   if (plugin_->Show(port, port->bounds, windowOptions_) == status::kOk) {
     emit Shown();
   } else {
+    disconnect(area_, &DrawingArea::Appeared, this, nullptr);
     emit ShowFailed();
   }
 }

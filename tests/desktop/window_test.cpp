@@ -16,6 +16,10 @@ struct Desk {
   double scale;
 };
 
+void PrintTo(const Desk& desk, std::ostream* out) {
+  *out << desk.name;
+}
+
 const Desk kDesks[] = {
     {"X11", DisplaySession::StartX11, 1},
     {"X11Scaled", DisplaySession::StartX11, 1.5},

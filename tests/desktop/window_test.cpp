@@ -99,8 +99,9 @@ TEST_P(WindowTest, TellsThePlugInWhatHappens) {
     const char* told;
   } keys[] = {{"h", "104"}, {"Left", "28"}, {"Return", "13"}, {"Tab", "9"}, {"s", "115"}};
   for (const auto& [key, told] : keys) {
-    EXPECT_TRUE(desk->PressUntil(key, [&] { return program->Has(std::string("[vevt] ") + told); }))
-        << key;
+    EXPECT_TRUE(desk->PressUntil(key, [&, told = told] {
+      return program->Has(std::string("[vevt] ") + told);
+    })) << key;
   }
 
   // By way of the menu, which gives the keyboard back afterwards.
@@ -251,7 +252,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
   };
   for (const auto& [medium, environment, line] : cases) {
     Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, medium}, environment);
-    ASSERT_TRUE(Eventually([&] { return program.HasStart(line); })) << line;
+    ASSERT_TRUE(Eventually([&, line = line] { return program.HasStart(line); })) << line;
     EXPECT_TRUE(Eventually([&] {
       return LitPixels(desk->Picture().copy(300, 150, 700, 555)) > 200;
     })) << line;

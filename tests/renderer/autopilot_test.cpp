@@ -178,7 +178,7 @@ TEST_F(Autopilot, StepsAreTimedByTheFrameRate) {
   for (const auto& [fps, steps] :
        {std::pair{10, 10}, {20, 20}, {30, 15}, {40, 20}, {60, 20}, {144, 18}}) {
     // Intervals come in whole microseconds; rounded up, the rate is not above what it is called.
-    const std::uint64_t interval = (1000000 / fps + 1) * std::uint64_t{1000};
+    const std::uint64_t interval = static_cast<std::uint64_t>(1000000 / fps + 1) * 1000;
     for (int frame = 0; frame < 400; ++frame) { // the rate settles
       Advance(interval);
       renderer_->Render(data_.get());

@@ -10,6 +10,8 @@
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <filesystem>
 #include <memory>
@@ -138,6 +140,14 @@ int Run() {
   return ShowWindow(arguments);
 }
 
+// Qt 6.4's Wayland back end, when it is destroyed, now and then waits for ever for its own reading
+// thread. By then everything of ours has ended, the plug-in too, and there is nothing to wait for.
+void LeaveWithoutWaylandTeardown(int status) {
+  if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) return;
+  std::fflush(nullptr);
+  std::_Exit(status);
+}
+
 } // namespace
 } // namespace halvenor
 
@@ -156,5 +166,7 @@ int main(int argc, char** argv) {
     StartingMessages held;
     application = std::make_unique<QApplication>(line.Count(), line.Words());
   }
-  return Run();
+  const int status = Run();
+  LeaveWithoutWaylandTeardown(status);
+  return status;
 }

@@ -1,6 +1,7 @@
 // Conversions that every value survives.
 #pragma once
 
+#include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <limits>
@@ -12,7 +13,7 @@ std::int32_t TruncateToInt32(std::floating_point auto value) {
   constexpr decltype(value) kLimit = 2147483648.0F; // 2^31, exact
   if (value >= kLimit) return std::numeric_limits<std::int32_t>::max();
   if (value <= -kLimit) return std::numeric_limits<std::int32_t>::min();
-  return value == value ? static_cast<std::int32_t>(value) : 0;
+  return std::isnan(value) ? 0 : static_cast<std::int32_t>(value);
 }
 
 } // namespace halvenor

@@ -1,0 +1,3 @@
+#include "config/look.h"
+
+namespace halvenor {}

@@ -1,0 +1,3 @@
+#include "config/preset_file.h"
+
+namespace halvenor {}

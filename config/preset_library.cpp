@@ -1,0 +1,3 @@
+#include "config/preset_library.h"
+
+namespace halvenor {}

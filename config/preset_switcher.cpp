@@ -1,0 +1,3 @@
+#include "config/preset_switcher.h"
+
+namespace halvenor {}

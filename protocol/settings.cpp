@@ -1,5 +1,6 @@
 #include "protocol/settings.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -36,27 +37,37 @@ constexpr Settings kDefaults = {
     .frameDelay = 10000,
 };
 
+constexpr std::string_view kFrequencyScales[] = {"Linear", "Square root", "Logarithmic", "Blended"};
+
 #define HALVENOR_FIELD(name) #name, offsetof(Settings, name)
 constexpr SettingField Field(std::string_view name, std::size_t offset, SettingType type,
                              double minimum, double maximum, std::string_view label,
                              std::string_view unit = "") {
-  return {name, type, offset, minimum, maximum, label, unit};
+  return {name, type, offset, minimum, maximum, label, unit, false, {}};
+}
+
+constexpr SettingField Look(SettingField field, std::span<const std::string_view> choices = {}) {
+  field.look = true;
+  field.choices = choices;
+  return field;
 }
 
 constexpr std::array kFields = {
-    Field(HALVENOR_FIELD(intensity), SettingType::Real, 0, 1, "Intensity"),
-    Field(HALVENOR_FIELD(fade), SettingType::Real, 0, 1, "Fade"),
-    Field(HALVENOR_FIELD(zoom), SettingType::Real, 0, 1, "Zoom"),
-    Field(HALVENOR_FIELD(zoomRotation), SettingType::Real, 0, 360, "Zoom Rotation", "degrees"),
-    Field(HALVENOR_FIELD(numLines), SettingType::Real, 0, 100, "Num Lines"),
-    Field(HALVENOR_FIELD(innerColor), SettingType::Color, 0, 1, "Inner Color"),
-    Field(HALVENOR_FIELD(outerColor), SettingType::Color, 0, 1, "Outer Color"),
-    Field(HALVENOR_FIELD(smoothing), SettingType::Flag, 0, 1, "Smoothing"),
-    Field(HALVENOR_FIELD(glow), SettingType::Flag, 0, 1, "Glow"),
-    Field(HALVENOR_FIELD(colorCycle), SettingType::Flag, 0, 1, "Color Cycle"),
-    Field(HALVENOR_FIELD(sharpOverlay), SettingType::Flag, 0, 1, "Sharp Overlay"),
+    Look(Field(HALVENOR_FIELD(intensity), SettingType::Real, 0, 1, "Intensity")),
+    Look(Field(HALVENOR_FIELD(fade), SettingType::Real, 0, 1, "Fade")),
+    Look(Field(HALVENOR_FIELD(zoom), SettingType::Real, 0, 1, "Zoom")),
+    Look(
+        Field(HALVENOR_FIELD(zoomRotation), SettingType::Real, 0, 360, "Zoom Rotation", "degrees")),
+    Look(Field(HALVENOR_FIELD(numLines), SettingType::Real, 0, 100, "Num Lines")),
+    Look(Field(HALVENOR_FIELD(innerColor), SettingType::Color, 0, 1, "Inner Color")),
+    Look(Field(HALVENOR_FIELD(outerColor), SettingType::Color, 0, 1, "Outer Color")),
+    Look(Field(HALVENOR_FIELD(smoothing), SettingType::Flag, 0, 1, "Smoothing")),
+    Look(Field(HALVENOR_FIELD(glow), SettingType::Flag, 0, 1, "Glow")),
+    Look(Field(HALVENOR_FIELD(colorCycle), SettingType::Flag, 0, 1, "Color Cycle")),
+    Look(Field(HALVENOR_FIELD(sharpOverlay), SettingType::Flag, 0, 1, "Sharp Overlay")),
     Field(HALVENOR_FIELD(showFrameRate), SettingType::Flag, 0, 1, "Show Frame Rate"),
-    Field(HALVENOR_FIELD(frequencyScale), SettingType::Integer, 0, 3, "Frequency Scale"),
+    Look(Field(HALVENOR_FIELD(frequencyScale), SettingType::Integer, 0, 3, "Frequency Scale"),
+         kFrequencyScales),
     Field(HALVENOR_FIELD(fullScreenWidth), SettingType::Integer, 64, 32767, "Full Screen Width",
           "pixels"),
     Field(HALVENOR_FIELD(fullScreenHeight), SettingType::Integer, 64, 32767, "Full Screen Height",
@@ -65,7 +76,7 @@ constexpr std::array kFields = {
           "milliseconds"),
     Field(HALVENOR_FIELD(numFrequencyLabels), SettingType::Integer, 0, 100, "Frequency Labels"),
     Field(HALVENOR_FIELD(autopilot), SettingType::Flag, 0, 1, "Autopilot"),
-    Field(HALVENOR_FIELD(verticalLayout), SettingType::Flag, 0, 1, "Vertical Layout"),
+    Look(Field(HALVENOR_FIELD(verticalLayout), SettingType::Flag, 0, 1, "Vertical Layout")),
     Field(HALVENOR_FIELD(fontSize), SettingType::Integer, 5, 128, "Font Size", "pixels"),
     Field(HALVENOR_FIELD(frameDelay), SettingType::Integer, 0, 1000000, "Frame Delay",
           "microseconds"),
@@ -96,6 +107,12 @@ std::string Print(Number value) {
   return {buffer, result.ptr};
 }
 
+bool EqualInAnyCase(std::string_view one, std::string_view other) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [&](char a, char b) { return lower(a) == lower(b); });
+}
+
 std::string Wanted(const SettingField& field, std::string_view text) {
   const std::string range = Print(field.minimum) + " to " + Print(field.maximum);
   std::string message = std::string(field.name) + " takes ";
@@ -107,7 +124,9 @@ std::string Wanted(const SettingField& field, std::string_view text) {
     message += "three numbers R,G,B from " + range;
     break;
   case SettingType::Integer:
-    message += "a whole number from " + range;
+    for (const std::string_view choice : field.choices)
+      message += std::string(choice) + ", ";
+    message += (field.choices.empty() ? "a whole number from " : "or a number from ") + range;
     break;
   case SettingType::Real:
     message += "a number from " + range;
@@ -140,6 +159,9 @@ std::optional<Color> ParseColor(const SettingField& field, std::string_view text
 }
 
 std::optional<std::int32_t> ParseInteger(const SettingField& field, std::string_view text) {
+  for (std::size_t i = 0; i < field.choices.size(); ++i)
+    if (EqualInAnyCase(field.choices[i], text))
+      return static_cast<std::int32_t>(field.minimum) + static_cast<std::int32_t>(i);
   const auto value = Parse<std::int32_t>(text);
   return value && InRange(field, *value) ? value : std::nullopt;
 }

@@ -73,6 +73,9 @@ struct SettingField {
   double maximum;     ///< largest value offered to a person
   std::string_view label;
   std::string_view unit; ///< empty where there is none
+  bool look;             ///< part of what a preset holds
+  /// Names of the values from `minimum` on; empty where numbers are what people know.
+  std::span<const std::string_view> choices;
 };
 
 /// Every field that means something to a person, in stored order (the version and the reserved
@@ -83,8 +86,8 @@ std::span<const SettingField> SettingFields();
 const SettingField* FindSetting(std::string_view name);
 
 /// Sets `field` from `text`: a number, "on"/"off"/"true"/"false"/"yes"/"no"/0/1 for a flag,
-/// "R,G,B" for a colour. On failure returns what is wrong, ready to be shown, and leaves `settings`
-/// as it was. Values outside the field's range are refused.
+/// "R,G,B" for a colour, the name of a choice in any case. On failure returns what is wrong, ready
+/// to be shown, and leaves `settings` as it was. Values outside the field's range are refused.
 std::optional<std::string> SetFromText(Settings& settings, const SettingField& field,
                                        std::string_view text);
 

@@ -65,28 +65,31 @@ TEST(Settings, TextRoundTripsThroughEveryField) {
   }
 }
 
+TEST(Settings, ChoicesAreTakenByName) {
+  const SettingField& scale = *FindSetting("frequencyScale");
+  ASSERT_EQ(static_cast<double>(scale.choices.size()), scale.maximum - scale.minimum + 1);
+  const struct {
+    const char* text;
+    std::int32_t value;
+  } cases[] = {{"linear", 0}, {"Square root", 1}, {"LOGARITHMIC", 2}, {"Blended", 3}};
+  for (const auto& [text, value] : cases) {
+    Settings settings{};
+    EXPECT_EQ(SetFromText(settings, scale, text), std::nullopt);
+    EXPECT_EQ(settings.frequencyScale, value) << text;
+  }
+}
+
 TEST(Settings, RefusesWhatDoesNotFit) {
   const struct {
     const char* name;
     const char* text;
   } cases[] = {
-      {"intensity", ""},
-      {"intensity", "a lot"},
-      {"intensity", "0.5x"},
-      {"intensity", "nan"},
-      {"intensity", "1.5"},
-      {"intensity", "-0.1"},
-      {"numLines", "1e9"},
-      {"fontSize", "9.5"},
-      {"fontSize", "1000000000"},
-      {"fontSize", "-5"},
-      {"frequencyScale", "4"},
-      {"glow", "maybe"},
-      {"innerColor", "1,0"},
-      {"innerColor", "1,0,0,0"},
-      {"innerColor", "1,,0"},
-      {"innerColor", "0,0,2"},
-      {"frameDelay", "99999999999999999999"},
+      {"intensity", ""},      {"intensity", "a lot"},  {"intensity", "0.5x"},
+      {"intensity", "nan"},   {"intensity", "1.5"},    {"intensity", "-0.1"},
+      {"numLines", "1e9"},    {"fontSize", "9.5"},     {"fontSize", "1000000000"},
+      {"fontSize", "-5"},     {"frequencyScale", "4"}, {"frequencyScale", "Line"},
+      {"glow", "maybe"},      {"innerColor", "1,0"},   {"innerColor", "1,0,0,0"},
+      {"innerColor", "1,,0"}, {"innerColor", "0,0,2"}, {"frameDelay", "99999999999999999999"},
   };
   for (const auto& [name, text] : cases) {
     Settings settings = DefaultSettings();

@@ -8,12 +8,20 @@
 
 namespace halvenor {
 
-/// What a medium says of itself, UTF-8. `title` is never empty once the medium is open: without
-/// a tag it is the file's name without its extension.
+/// What a medium says of itself: UTF-8, one line each, a thousand bytes at most. `title` is never
+/// empty once the medium is open: without a tag it is the file's name without its extension.
 struct MediaTags {
   std::string title;
   std::string artist;
+  std::string album;
   friend bool operator==(const MediaTags&, const MediaTags&) = default;
+};
+
+/// What internet radio says of itself and of what it sends now; as above, but both may be empty.
+struct StreamTags {
+  std::string station;
+  std::string title; ///< mostly "ARTIST - TITLE"
+  friend bool operator==(const StreamTags&, const StreamTags&) = default;
 };
 
 } // namespace halvenor

@@ -1,0 +1,45 @@
+// Lists of media: playlist files, folders, and single media alike.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace halvenor {
+
+struct PlaylistEntry {
+  std::string medium; ///< a path or a URI, as `MediaPlayer::Open` takes it
+  std::string title;  ///< from the list, UTF-8, one line; may be empty
+
+  friend bool operator==(const PlaylistEntry&, const PlaylistEntry&) = default;
+};
+
+struct Playlist {
+  std::vector<PlaylistEntry> entries;
+  /// What was wrong, one line each, naming the list; never more than a dozen.
+  std::vector<std::string> problems;
+};
+
+/// More entries than these are not taken, with a word in `problems`.
+inline constexpr std::size_t kMostPlaylistEntries = 100'000;
+
+/// Whether a path or URI is a playlist by its name: .m3u .m3u8 .pls .xspf.
+bool IsPlaylistName(const std::string& medium);
+
+/// Everything that `medium` stands for:
+///
+/// - a folder: the sound files in it and below, in natural order (2 before 10), told by their
+///   contents' type as far as the name tells it; hidden ones and playlists are left out;
+/// - a playlist file (M3U and M3U8 with titles, PLS, XSPF; by its contents, whatever its name):
+///   its entries, lists and folders in it opened up in their place, each list only once, eight
+///   deep. Entries are addresses, file:// URIs, absolute paths, or paths relative to the list's
+///   own folder; a path may lead anywhere, but only to a plain file or folder that is there.
+///   Local entries that are missing and addresses of kinds that are no media are left out, with a
+///   word;
+/// - anything else, an address too: itself.
+///
+/// Never asks the network. Bounded: lists beyond 64 MiB are refused. May take a second for 10^5
+/// entries. Any thread.
+Playlist ReadPlaylist(const std::string& medium);
+
+} // namespace halvenor

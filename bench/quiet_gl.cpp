@@ -89,6 +89,21 @@ bool CFURLGetFileSystemRepresentation(CFURLRef, bool, uint8_t* buffer, ptrdiff_t
   return std::snprintf(reinterpret_cast<char*>(buffer), static_cast<std::size_t>(size),
                        HALVENOR_RESOURCES) < size;
 }
+CFURLRef CFBundleCopyPrivateFrameworksURL(CFBundleRef) {
+  return nullptr;
+}
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef, CFStringRef, bool) {
+  return nullptr;
+}
+CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef) {
+  return nullptr;
+}
+bool CFBundleLoadExecutable(CFBundleRef) {
+  return false;
+}
+void* CFBundleGetFunctionPointerForName(CFBundleRef, CFStringRef) {
+  return nullptr;
+}
 void CFRelease(CFTypeRef) {}
 void GetFNum(const unsigned char*, int16_t* family) {
   *family = 1;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/export.h"
+#include "platform/ports.h"
 
 #include <stdint.h>
 
@@ -15,6 +16,13 @@ typedef const unsigned char* ConstStr255Param;
 
 /// Writes one message to the debug log (see debug_log.h). Any thread.
 HALVENOR_PLATFORM void DebugStr(ConstStr255Param message);
+
+/// Sounds the alert (see `SetAlertSound`) for `ticks` sixtieths of a second where that can be
+/// chosen. Does not wait for its end. Any thread.
+HALVENOR_PLATFORM void SysBeep(int16_t ticks);
+
+/// The window that the host has in front, or null (see `SetFrontWindow`). Any thread.
+HALVENOR_PLATFORM WindowRef FrontWindow(void);
 
 /// A zero-filled block of `size` bytes, or null when there is no memory. Release it with
 /// `DisposePtr`. Any thread.

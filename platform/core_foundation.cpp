@@ -1,5 +1,6 @@
 #include "platform/core_foundation.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <dlfcn.h>
@@ -10,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <plist/plist.h>
 #include <string>
 #include <utility>
@@ -17,7 +19,10 @@
 namespace fs = std::filesystem;
 
 struct HalvenorBundle {
-  fs::path contents;
+  explicit HalvenorBundle(fs::path folder) : contents(std::move(folder)) {}
+
+  const fs::path contents;
+  mutable std::atomic<void*> module = nullptr; ///< as the loader knows it; null: not loaded
 };
 
 struct HalvenorUrl {
@@ -30,14 +35,17 @@ struct PlistDeleter {
   void operator()(void* node) const { plist_free(node); }
 };
 
-bool IsCalled(const fs::path& infoFile, const char* identifier) {
-  std::ifstream file(infoFile, std::ios::binary);
+/// What the bundle's property list says under `key`, if it is a string.
+std::optional<std::string> Info(const fs::path& contents, const char* key) {
+  std::ifstream file(contents / "Info.plist", std::ios::binary);
   const std::string text(std::istreambuf_iterator<char>(file), {});
   plist_t root = nullptr;
   plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &root);
   const std::unique_ptr<void, PlistDeleter> owner(root);
-  // What is no dictionary has no items, and what is no string equals none.
-  return plist_string_val_compare(plist_dict_get_item(root, "CFBundleIdentifier"), identifier) == 0;
+  // What is no dictionary has no items, and what is no string has no characters.
+  const char* characters = plist_get_string_ptr(plist_dict_get_item(root, key), nullptr);
+  if (characters == nullptr) return std::nullopt;
+  return characters;
 }
 
 /// The folder "Contents" of the innermost bundle called `identifier` around the file `module`;
@@ -48,21 +56,50 @@ fs::path FindContents(const fs::path& module, const char* identifier) {
   const fs::path absolute = fs::absolute(module, failed);
   fs::path folder = fs::canonical(absolute.parent_path(), failed);
   for (; folder.has_relative_path(); folder = folder.parent_path())
-    if (folder.filename() == "Contents" && IsCalled(folder / "Info.plist", identifier))
+    if (folder.filename() == "Contents" && Info(folder, "CFBundleIdentifier") == identifier)
       return folder;
   return {};
 }
 
-/// Bundles stay for the life of the process, which may end without this library's leave.
-CFBundleRef FindBundle(const char* module, const char* identifier) {
-  static std::mutex lock;
-  static auto& known = *new std::map<std::pair<std::string, std::string>, HalvenorBundle>;
-  const std::scoped_lock locked(lock);
-  std::pair<std::string, std::string> key(module, identifier);
-  if (const auto found = known.find(key); found != known.end()) return &found->second;
-  fs::path contents = FindContents(module, identifier);
-  if (contents.empty()) return nullptr;
-  return &known.emplace(std::move(key), HalvenorBundle{std::move(contents)}).first->second;
+/// All bundles that anybody asked for. They stay for the life of the process, which may end without
+/// this library's leave.
+class KnownBundles {
+public:
+  /// The one whose folder "Contents" this is.
+  CFBundleRef At(const fs::path& contents) {
+    const std::scoped_lock locked(lock_);
+    return &bundles_.try_emplace(contents, contents).first->second;
+  }
+
+  /// The one called `identifier` around `module`. Found once, it is not looked for again.
+  CFBundleRef Around(const char* module, const char* identifier) {
+    std::pair<std::string, std::string> key(module, identifier);
+    {
+      const std::scoped_lock locked(lock_);
+      if (const auto found = around_.find(key); found != around_.end()) return found->second;
+    }
+    const fs::path contents = FindContents(module, identifier);
+    if (contents.empty()) return nullptr;
+    const CFBundleRef bundle = At(contents);
+    const std::scoped_lock locked(lock_);
+    return around_.emplace(std::move(key), bundle).first->second;
+  }
+
+private:
+  std::mutex lock_;
+  std::map<fs::path, HalvenorBundle> bundles_;
+  std::map<std::pair<std::string, std::string>, CFBundleRef> around_;
+};
+
+KnownBundles& TheBundles() {
+  static KnownBundles& bundles = *new KnownBundles;
+  return bundles;
+}
+
+fs::path ModuleFile(const HalvenorBundle& bundle) {
+  const fs::path name = Info(bundle.contents, "CFBundleExecutable").value_or("");
+  const bool plain = name.has_filename() && name == name.filename(); // leads to no other folder
+  return bundle.contents / "Linux" / (plain ? name : bundle.contents.parent_path().stem());
 }
 
 } // namespace
@@ -72,7 +109,7 @@ CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
   if (identifier == nullptr || dladdr(__builtin_return_address(0), &caller) == 0 ||
       caller.dli_fname == nullptr)
     return nullptr;
-  return FindBundle(caller.dli_fname, identifier);
+  return TheBundles().Around(caller.dli_fname, identifier);
 }
 
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle) {
@@ -81,6 +118,37 @@ CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle) {
   std::error_code failed;
   if (!fs::is_directory(folder, failed)) return nullptr;
   return new (std::nothrow) HalvenorUrl{folder.string()};
+}
+
+CFURLRef CFBundleCopyPrivateFrameworksURL(CFBundleRef bundle) {
+  if (bundle == nullptr) return nullptr;
+  return new (std::nothrow) HalvenorUrl{(bundle->contents / "Frameworks").string()};
+}
+
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef /*allocator*/, CFURLRef url,
+                                               CFStringRef component, bool /*isDirectory*/) {
+  if (url == nullptr || component == nullptr) return nullptr;
+  return new (std::nothrow) HalvenorUrl{url->path + '/' + component};
+}
+
+CFBundleRef CFBundleCreate(CFAllocatorRef /*allocator*/, CFURLRef url) {
+  if (url == nullptr) return nullptr;
+  std::error_code failed;
+  const fs::path contents = fs::canonical(url->path, failed) / "Contents";
+  if (failed || !fs::is_regular_file(contents / "Info.plist", failed)) return nullptr;
+  return TheBundles().At(contents);
+}
+
+bool CFBundleLoadExecutable(CFBundleRef bundle) {
+  if (bundle == nullptr) return false;
+  if (bundle->module == nullptr)
+    bundle->module = dlopen(ModuleFile(*bundle).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  return bundle->module != nullptr;
+}
+
+void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
+  void* const module = bundle == nullptr ? nullptr : bundle->module.load();
+  return module == nullptr || name == nullptr ? nullptr : dlsym(module, name);
 }
 
 bool CFURLGetFileSystemRepresentation(CFURLRef url, bool /*resolveAgainstBase*/, uint8_t* buffer,

@@ -1,4 +1,4 @@
-// Drawing ports: the areas that a host offers to a plug-in.
+// What a host offers to a plug-in: drawing ports, the areas to draw in; its front window; an alert.
 //
 // A port is a plain record that the host fills and keeps alive, unchanged but for `bounds`, from
 // 'show' until 'hide' has returned. `bounds` changes on the host's thread only, before the 'swin'
@@ -66,6 +66,21 @@ typedef HalvenorPort* GrafPtr;
 /// Writes the bounds of `port` to `bounds` and returns `bounds`. A null port has an empty
 /// rectangle. Any thread that may use the port.
 HALVENOR_PLATFORM Rect* GetPortBounds(GrafPtr port, Rect* bounds);
+
+/// A window of the host, opaque to the plug-in: the number that the window system or the host's
+/// toolkit gives it. To be compared, never to be followed.
+typedef void* WindowRef;
+
+/// Tells which window of the host is in front, so that others can stand before it. Null, as at the
+/// start: none. Any thread.
+HALVENOR_PLATFORM void SetFrontWindow(WindowRef window);
+
+/// From now on `sound` sounds the alerts of the plug-in; null puts back the bell of the terminal on
+/// standard error, which is silent when that is none. `ticks` are sixtieths of a second. It runs on
+/// the thread that gives the alert, possibly while the plug-in's lock is held: never send a message
+/// from there and never wait.
+typedef void (*HalvenorAlertProc)(int ticks);
+HALVENOR_PLATFORM void SetAlertSound(HalvenorAlertProc sound);
 
 #ifdef __cplusplus
 }

@@ -11,9 +11,6 @@
 
 namespace halvenor {
 
-/// A window of the platform, opaque here.
-using WindowRef = void*;
-
 /// A display time of a message line that means "until changed".
 inline constexpr std::int32_t kShownUntilChanged = 999999;
 

@@ -2,10 +2,12 @@
 
 #include "gl/resource_file.h"
 #include "platform/core_foundation.h"
+#include "protocol/configuration_entries.h"
 #include "tests/stand_ins/recording.h"
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -21,11 +23,31 @@ namespace halvenor::stand_ins {
 namespace {
 
 constexpr HalvenorBundle kBundle;
+constexpr HalvenorBundle kConfiguration;
+constexpr char kFrameworks[] = "Frameworks";
+
+Status DoNothing() {
+  return status::kOk;
+}
+Status InitializeNothing(ConfigurationCallback, VisualPluginData*) {
+  return status::kOk;
+}
+
+std::map<std::string, void*, std::less<>> UsualExports() {
+  auto* const action = reinterpret_cast<void*>(DoNothing);
+  return {{configuration_entry::kInitialize, reinterpret_cast<void*>(InitializeNothing)},
+          {configuration_entry::kOrderWindowFront, action},
+          {configuration_entry::kAddPreset, action},
+          {configuration_entry::kSwitchToManual, action},
+          {configuration_entry::kLogSettings, action}};
+}
 
 struct State {
   std::mutex mutex;
   std::string folder = HALVENOR_RESOURCES;
   std::vector<std::unique_ptr<const HalvenorUrl>> urls;
+  std::map<std::string, void*, std::less<>> exports = UsualExports();
+  bool loaded = false;
 };
 
 State& TheState() {
@@ -33,11 +55,28 @@ State& TheState() {
   return state;
 }
 
+std::string TheFolder() {
+  const std::lock_guard lock(TheState().mutex);
+  return TheState().folder;
+}
+
+CFURLRef CopyUrl(std::string path) {
+  State& state = TheState();
+  const std::lock_guard lock(state.mutex);
+  auto url = std::make_unique<const HalvenorUrl>(HalvenorUrl{std::move(path)});
+  return state.urls.emplace_back(std::move(url)).get();
+}
+
 } // namespace
 
 void SetResourcesFolder(std::string path) {
   const std::lock_guard lock(TheState().mutex);
   TheState().folder = std::move(path);
+}
+
+void SetExport(std::string name, void* function) {
+  const std::lock_guard lock(TheState().mutex);
+  TheState().exports[std::move(name)] = function;
 }
 
 std::int64_t LiveReferences() {
@@ -49,23 +88,57 @@ void ResetBundle() {
   SetResourcesFolder(HALVENOR_RESOURCES);
   const std::lock_guard lock(TheState().mutex);
   TheState().urls.clear();
+  TheState().exports = UsualExports();
+  TheState().loaded = false;
 }
 
 } // namespace halvenor::stand_ins
 
+using namespace halvenor;
 using namespace halvenor::stand_ins;
 
 CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
   if (Enter(Function::CFBundleGetBundleWithIdentifier) != 0) return nullptr;
-  return std::strcmp(identifier, halvenor::kBundleIdentifier) == 0 ? &kBundle : nullptr;
+  return std::strcmp(identifier, kBundleIdentifier) == 0 ? &kBundle : nullptr;
 }
 
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle) {
   if (Enter(Function::CFBundleCopyResourcesDirectoryURL) != 0 || bundle == nullptr) return nullptr;
+  return CopyUrl(TheFolder());
+}
+
+CFURLRef CFBundleCopyPrivateFrameworksURL(CFBundleRef bundle) {
+  if (Enter(Function::CFBundleCopyPrivateFrameworksURL) != 0 || bundle != &kBundle) return nullptr;
+  return CopyUrl(kFrameworks);
+}
+
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
+                                               CFStringRef component, bool isDirectory) {
+  if (Enter(Function::CFURLCreateCopyAppendingPathComponent) != 0 || url == nullptr) return nullptr;
+  if (allocator != kCFAllocatorDefault) ReportMisuse("an allocator that there is not");
+  return CopyUrl(url->path + '/' + component + (isDirectory ? "/" : ""));
+}
+
+CFBundleRef CFBundleCreate(CFAllocatorRef /*allocator*/, CFURLRef url) {
+  if (Enter(Function::CFBundleCreate) != 0 || url == nullptr) return nullptr;
+  static const std::string path = std::string(kFrameworks) + '/' + kConfigurationBundleName;
+  return url->path == path ? &kConfiguration : nullptr;
+}
+
+bool CFBundleLoadExecutable(CFBundleRef bundle) {
+  if (Enter(Function::CFBundleLoadExecutable) != 0 || bundle != &kConfiguration) return false;
+  const std::lock_guard lock(TheState().mutex);
+  TheState().loaded = true;
+  return true;
+}
+
+void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
+  if (Enter(Function::CFBundleGetFunctionPointerForName) != 0 || bundle != &kConfiguration)
+    return nullptr;
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
-  auto url = std::make_unique<const HalvenorUrl>(HalvenorUrl{state.folder});
-  return state.urls.emplace_back(std::move(url)).get();
+  const auto found = state.exports.find(name);
+  return state.loaded && found != state.exports.end() ? found->second : nullptr;
 }
 
 bool CFURLGetFileSystemRepresentation(CFURLRef url, bool /*resolveAgainstBase*/, uint8_t* buffer,

@@ -135,5 +135,10 @@
   X(aglUseFont)                                                                                    \
   X(CFBundleGetBundleWithIdentifier)                                                               \
   X(CFBundleCopyResourcesDirectoryURL)                                                             \
+  X(CFBundleCopyPrivateFrameworksURL)                                                              \
+  X(CFBundleCreate)                                                                                \
+  X(CFBundleLoadExecutable)                                                                        \
+  X(CFBundleGetFunctionPointerForName)                                                             \
+  X(CFURLCreateCopyAppendingPathComponent)                                                         \
   X(CFURLGetFileSystemRepresentation)                                                              \
   X(CFRelease)

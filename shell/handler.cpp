@@ -1,6 +1,7 @@
 // The message handler: what the plug-in does with each message of its host.
 #include "platform/carbon.h"
 #include "shell/audio_intake.h"
+#include "shell/configuration_bridge.h"
 #include "shell/host_requests.h"
 #include "shell/plugin_state.h"
 #include "shell/registration.h"
@@ -33,6 +34,11 @@ Status CleanUp(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex
   if (record == nullptr) return status::kOk;
   CloseRenderer(); // lets go of the lock for a while: look again
   if (LiveRecord(record) != nullptr) ReleaseRecord(record);
+  return status::kOk;
+}
+
+Status Configure(VisualPluginData* record, VisualMessage*) HALVENOR_REQUIRES(mutex) {
+  if (record != nullptr) OpenConfigWindow(record);
   return status::kOk;
 }
 
@@ -90,7 +96,7 @@ Status TakeEvent(VisualPluginData* record, VisualMessage* message) HALVENOR_REQU
   const auto key = static_cast<char>(event->message & 0xFFU);
   if (key == kConfigureKey) {
     PlayerSetFullScreen(record->appCookie, record->appProc, false);
-    return status::kOk;
+    return Configure(LiveRecord(record), message);
   }
   return renderer != nullptr ? renderer->KeyboardInput(record, key) : status::kNotHandled;
 }
@@ -113,7 +119,7 @@ struct MessageRow {
 constexpr MessageRow kMessages[] = {
     {message::kInit, kMessage, Initialise},
     {message::kCleanup, kNothing, CleanUp},
-    {message::kConfigure, kNothing, DoNothing},
+    {message::kConfigure, kNothing, Configure},
     {message::kShow, kMessage, Show},
     {message::kHide, kNothing, Hide},
     {message::kSetWindow, kMessage, SetWindow},

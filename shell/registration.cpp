@@ -1,6 +1,7 @@
 #include "shell/registration.h"
 
 #include "gl/diagnostics.h"
+#include "shell/configuration_bridge.h"
 #include "shell/host_requests.h"
 #include "shell/plugin_state.h"
 
@@ -10,6 +11,8 @@ namespace {
 constexpr char kName[] = "Halvenor";
 constexpr FourCharCode kCreator = Code("hook");
 constexpr std::uint8_t kFinalStage = 0x80;
+constexpr ConfigurationActions kConfigurationActions = {AddPreset, SwitchPresetsToManual,
+                                                        LogSettings};
 
 HostMessage Registration() {
   HostMessage record;
@@ -43,6 +46,7 @@ Status RegisterVisualPlugin(const PluginInitMessage* message) {
   const Status result = PlayerRegisterVisualPlugin(message->appCookie, message->appProc, &record);
   if (renderer != nullptr) return result;
   renderer = new Renderer;
+  renderer->SetConfigurationActions(&kConfigurationActions);
   if (!mutex.Create()) DebugLog(" Failed creating mutex");
   BackGuard();
   return result;

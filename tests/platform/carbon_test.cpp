@@ -9,10 +9,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <future>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace halvenor {
@@ -137,6 +140,44 @@ TEST(Ports, ANullPortIsEmpty) {
   GetPortBounds(nullptr, &bounds);
   EXPECT_EQ(bounds.bottom, 0);
   EXPECT_EQ(bounds.right, 0);
+}
+
+TEST(Ports, TheFrontWindowIsWhatTheHostSays) {
+  int window = 0;
+  EXPECT_EQ(FrontWindow(), nullptr);
+  SetFrontWindow(&window);
+  EXPECT_EQ(FrontWindow(), &window);
+  SetFrontWindow(nullptr);
+  EXPECT_EQ(FrontWindow(), nullptr);
+}
+
+TEST(Ports, AnAlertIsTheHostsElseTheBellOfATerminal) {
+  static std::vector<int> alerts;
+  const auto inFile = [] {
+    testing::internal::CaptureStderr();
+    SysBeep(20);
+    return testing::internal::GetCapturedStderr();
+  };
+  SetAlertSound([](int ticks) { alerts.push_back(ticks); });
+  EXPECT_EQ(inFile(), "");
+  EXPECT_THAT(alerts, testing::ElementsAre(20));
+  SetAlertSound(nullptr);
+  EXPECT_EQ(inFile(), "");
+  EXPECT_EQ(alerts.size(), 1U);
+
+  const int master = posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_EQ(grantpt(master), 0);
+  ASSERT_EQ(unlockpt(master), 0);
+  const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY);
+  const int standardError = dup(STDERR_FILENO);
+  dup2(terminal, STDERR_FILENO);
+  SysBeep(20);
+  dup2(standardError, STDERR_FILENO);
+  char heard = 0;
+  EXPECT_EQ(read(master, &heard, 1), 1);
+  EXPECT_EQ(heard, '\a');
+  for (const int file : {master, terminal, standardError})
+    close(file);
 }
 
 TEST(DebugLog, OneLinePerMessageWithTheProgramsName) {

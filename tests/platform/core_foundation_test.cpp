@@ -1,10 +1,13 @@
 // Bundles in made-up folders, asked for by a module that lies in them.
+#include "platform/core_foundation.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <unistd.h>
 
@@ -15,10 +18,13 @@ namespace {
 
 constexpr char kHead[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">";
 
+std::string With(const std::string& key, const std::string& value) {
+  return kHead + ("<dict><key>CFBundleName</key><string>a</string><key>" + key + "</key><string>" +
+                  value + "</string></dict></plist>");
+}
+
 std::string Named(const std::string& identifier) {
-  return kHead + ("<dict><key>CFBundleName</key><string>a</string><key>CFBundleIdentifier</key>"
-                  "<string>" +
-                  identifier + "</string></dict></plist>");
+  return With("CFBundleIdentifier", identifier);
 }
 
 /// A copy of the probe, loaded from its place.
@@ -48,8 +54,8 @@ public:
     }
     return result == '+' ? buffer : std::string(1, result);
   }
-  [[nodiscard]] const void* Bundle() const {
-    return reinterpret_cast<const void* (*)()>(dlsym(handle_, "ProbeBundle"))();
+  [[nodiscard]] CFBundleRef Bundle() const {
+    return reinterpret_cast<CFBundleRef (*)()>(dlsym(handle_, "ProbeBundle"))();
   }
 
 private:
@@ -107,6 +113,81 @@ TEST_F(BundleTest, AModuleMayBeALink) {
   const fs::path contents = Make("Linked.bundle", Named("org.example.linked"));
   const Module module(contents / "Linux/Probe", true);
   EXPECT_EQ(module.Ask("org.example.linked"), contents / "Resources");
+}
+
+class PrivateBundleTest : public BundleTest {
+protected:
+  void SetUp() override {
+    BundleTest::SetUp();
+    contents_ = Make("Outer.bundle", Named("org.example.outer"));
+    module_ = std::make_unique<Module>(contents_ / "Linux/Probe");
+    ASSERT_EQ(module_->Ask("org.example.outer"), contents_ / "Resources");
+  }
+  [[nodiscard]] CFBundleRef Find(const char* name) const {
+    const CFURLRef folder = CFBundleCopyPrivateFrameworksURL(module_->Bundle());
+    const CFURLRef url =
+        CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folder, name, false);
+    const CFBundleRef bundle = CFBundleCreate(kCFAllocatorDefault, url);
+    CFRelease(folder);
+    CFRelease(url);
+    return bundle;
+  }
+
+  fs::path contents_;
+  std::unique_ptr<Module> module_;
+};
+
+TEST_F(PrivateBundleTest, IsTheSameAsLongAsItIsThere) {
+  EXPECT_EQ(Find("In.bundle"), nullptr) << "not even a folder for it";
+  const fs::path info = Make("Outer.bundle/Contents/Frameworks/In.bundle", "") / "Info.plist";
+  const CFBundleRef bundle = Find("In.bundle");
+  EXPECT_NE(bundle, nullptr);
+  EXPECT_NE(bundle, module_->Bundle());
+  EXPECT_EQ(Find("In.bundle"), bundle);
+  EXPECT_EQ(Find("../../../Outer.bundle"), module_->Bundle());
+  fs::remove(info);
+  EXPECT_EQ(Find("In.bundle"), nullptr);
+  std::ofstream(info).put('\n');
+  EXPECT_EQ(Find("In.bundle"), bundle);
+  EXPECT_EQ(Find("Other.bundle"), nullptr);
+  EXPECT_EQ(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, nullptr, "a", false),
+            nullptr);
+  EXPECT_EQ(CFBundleCopyPrivateFrameworksURL(nullptr), nullptr);
+  EXPECT_EQ(CFBundleCreate(kCFAllocatorDefault, nullptr), nullptr);
+}
+
+TEST_F(PrivateBundleTest, LoadsTheModuleThatItNames) {
+  const struct {
+    std::string info;
+    const char* file; ///< the module; another one has no such function
+  } cases[] = {
+      {With("CFBundleExecutable", "Named"), "Named"},
+      {With("CFBundleName", "Named"), "2"},
+      {"not a property list", "3"},
+      {With("CFBundleExecutable", ""), "4"},
+      {With("CFBundleExecutable", "../Linux/Named"), "5"},
+  };
+  int number = 0;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.info);
+    const std::string name = std::to_string(++number) + ".bundle";
+    const fs::path linux = Make("Outer.bundle/Contents/Frameworks/" + name, c.info) / "Linux";
+    const CFBundleRef bundle = Find(name.c_str());
+    EXPECT_FALSE(CFBundleLoadExecutable(bundle)) << "no module";
+    fs::create_directories(linux);
+    std::ofstream(linux / c.file) << "not a module";
+    EXPECT_FALSE(CFBundleLoadExecutable(bundle));
+    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle, "ProbeBundle"), nullptr);
+    fs::remove(linux / c.file);
+    fs::copy_file(BUNDLE_PROBE, linux / c.file);
+    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle, "ProbeBundle"), nullptr) << "not loaded";
+    EXPECT_TRUE(CFBundleLoadExecutable(bundle)) << "tried anew";
+    EXPECT_NE(CFBundleGetFunctionPointerForName(bundle, "ProbeBundle"), nullptr);
+    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle, "nothing"), nullptr);
+    fs::remove_all(linux);
+    EXPECT_TRUE(CFBundleLoadExecutable(bundle)) << "it stays";
+  }
+  EXPECT_FALSE(CFBundleLoadExecutable(nullptr));
 }
 
 TEST_F(BundleTest, WhatIsNoBundleIsNone) {

@@ -1,3 +1,156 @@
 #include "config/look.h"
 
-namespace halvenor {}
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+namespace halvenor {
+namespace {
+
+constexpr double kFullTurn = 360;
+
+template <typename Value>
+Value Read(const Settings& settings, const SettingField& field) {
+  Value value;
+  std::memcpy(&value, reinterpret_cast<const char*>(&settings) + field.offset, sizeof value);
+  return value;
+}
+
+template <typename Value>
+void Store(Settings& settings, const SettingField& field, const Value& value) {
+  std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, &value, sizeof value);
+}
+
+using Components = std::array<float, 3>;
+static_assert(sizeof(Components) == sizeof(Color));
+
+template <typename Visitor>
+void ForEachLookField(const Visitor& visit) {
+  for (const SettingField& field : SettingFields())
+    if (field.look) visit(field);
+}
+
+bool IsAngle(const SettingField& field) {
+  return field.unit == "degrees";
+}
+
+bool IsFlag(const SettingField& field) {
+  return field.type == SettingType::Flag;
+}
+
+// Stored blocks may hold anything, and what is not a number must still equal itself.
+bool Same(float one, float other) {
+  return one == other || (std::isnan(one) && std::isnan(other));
+}
+
+bool SameField(const Settings& one, const Settings& other, const SettingField& field) {
+  switch (field.type) {
+  case SettingType::Real:
+    return Same(Read<float>(one, field), Read<float>(other, field));
+  case SettingType::Color: {
+    const auto left = Read<Components>(one, field);
+    const auto right = Read<Components>(other, field);
+    return std::equal(left.begin(), left.end(), right.begin(), Same);
+  }
+  case SettingType::Flag:
+    return (Read<std::int32_t>(one, field) != 0) == (Read<std::int32_t>(other, field) != 0);
+  case SettingType::Integer:
+    break;
+  }
+  return Read<std::int32_t>(one, field) == Read<std::int32_t>(other, field);
+}
+
+void CopyField(const Settings& from, Settings& to, const SettingField& field) {
+  if (field.type == SettingType::Color)
+    Store(to, field, Read<Components>(from, field));
+  else
+    Store(to, field, Read<std::int32_t>(from, field)); // any four bytes
+}
+
+double IntoTurn(double degrees) {
+  const double rest = std::fmod(degrees, kFullTurn);
+  return rest < 0 ? rest + kFullTurn : rest;
+}
+
+float Between(float from, float to, double part) {
+  if (!std::isfinite(from) || !std::isfinite(to)) return part < 0.5 ? from : to;
+  return static_cast<float>(double{from} + (double{to} - double{from}) * part);
+}
+
+float AngleBetween(float from, float to, double part) {
+  if (!std::isfinite(from) || !std::isfinite(to)) return part < 0.5 ? from : to;
+  const double way = std::remainder(double{to} - double{from}, kFullTurn);
+  return static_cast<float>(IntoTurn(double{from} + way * part));
+}
+
+Components ColorBetween(const Components& from, const Components& to, double part) {
+  Components color;
+  for (std::size_t i = 0; i < color.size(); ++i)
+    color[i] = Between(from[i], to[i], part);
+  return color;
+}
+
+float TidyReal(float value, float fallback, const SettingField& field) {
+  if (std::isnan(value)) return fallback;
+  if (IsAngle(field) && std::isfinite(value) && (value < field.minimum || value > field.maximum))
+    return static_cast<float>(IntoTurn(value));
+  return static_cast<float>(std::clamp(double{value}, field.minimum, field.maximum));
+}
+
+} // namespace
+
+bool SameLook(const Settings& one, const Settings& other) {
+  const auto fields = SettingFields();
+  return std::all_of(fields.begin(), fields.end(), [&](const SettingField& field) {
+    return !field.look || SameField(one, other, field);
+  });
+}
+
+void CopyLook(const Settings& from, Settings& to) {
+  ForEachLookField([&](const SettingField& field) { CopyField(from, to, field); });
+}
+
+Settings BlendLooks(const Settings& from, const Settings& to, double part) {
+  Settings blend = from;
+  if (!(part > 0)) return blend;
+  if (part >= 1) {
+    CopyLook(to, blend);
+    return blend;
+  }
+  ForEachLookField([&](const SettingField& field) {
+    if (field.type == SettingType::Color) {
+      Store(blend, field,
+            ColorBetween(Read<Components>(from, field), Read<Components>(to, field), part));
+    } else if (field.type == SettingType::Real) {
+      const auto between = IsAngle(field) ? AngleBetween : Between;
+      Store(blend, field, between(Read<float>(from, field), Read<float>(to, field), part));
+    } else if (part >= 0.5) {
+      CopyField(to, blend, field);
+    }
+  });
+  return blend;
+}
+
+Settings TidyLook(const Settings& look) {
+  Settings tidy = DefaultSettings();
+  ForEachLookField([&](const SettingField& field) {
+    if (field.type == SettingType::Real) {
+      Store(tidy, field, TidyReal(Read<float>(look, field), Read<float>(tidy, field), field));
+    } else if (field.type == SettingType::Color) {
+      auto color = Read<Components>(tidy, field);
+      const auto wanted = Read<Components>(look, field);
+      for (std::size_t i = 0; i < color.size(); ++i)
+        color[i] = TidyReal(wanted[i], color[i], field);
+      Store(tidy, field, color);
+    } else {
+      const auto value = Read<std::int32_t>(look, field);
+      const auto clamped = std::clamp(value, static_cast<std::int32_t>(field.minimum),
+                                      static_cast<std::int32_t>(field.maximum));
+      Store(tidy, field, IsFlag(field) ? std::int32_t{value != 0} : clamped);
+    }
+  });
+  return tidy;
+}
+
+} // namespace halvenor

@@ -17,4 +17,8 @@ void CopyLook(const Settings& from, Settings& to);
 /// between two values changes half-way.
 Settings BlendLooks(const Settings& from, const Settings& to, double part);
 
+/// The look of `look` with every value in its field's range, the rest as of a first run. Stored
+/// blocks may hold anything; what a preset keeps must be readable again.
+Settings TidyLook(const Settings& look);
+
 } // namespace halvenor

@@ -44,6 +44,10 @@ public:
   Step Advance(const Settings& present, double now);
 
 private:
+  bool YieldsTo(const Settings& present, Event& event);
+  void AdvanceBlend(Settings& block, double now);
+  bool IsTurn(double now);
+
   struct Blend {
     Settings target;
     double seconds;

@@ -19,6 +19,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace halvenor {
@@ -31,6 +32,13 @@ struct NamedLook {
 
 /// `name` as it may be kept: one line, trimmed, cut to 80 characters; empty when nothing is left.
 std::string TidyPresetName(std::string_view name);
+
+/// The presets of a file's text. On failure returns nothing and leaves in `problem` what is wrong
+/// with the file, as the end of a sentence that begins with its name.
+std::optional<std::vector<NamedLook>> ParsePresets(std::string_view text, std::string& problem);
+
+/// The text of a file with `presets`. Values that their fields refuse become ones that they take.
+std::string PrintPresets(std::span<const NamedLook> presets);
 
 /// Reads every preset of `file`. When it is no preset file, is of a format to come, has a value
 /// that its field refuses, cannot be read or is larger than 16 MB, returns nothing and leaves one

@@ -213,7 +213,7 @@ void MediaPlayer::Impl::TellRecords(std::int64_t until) {
   }
 }
 
-MediaPlayer::MediaPlayer(Listener& listener, std::string audioSink)
+MediaPlayer::MediaPlayer(Listener& listener, std::string audioSink, SoundServer* /*server*/)
     : impl_(new Impl{listener, std::move(audioSink), {}, {}, {}, {}, {}, {}, {}, {}}) {}
 
 MediaPlayer::~MediaPlayer() = default;
@@ -258,6 +258,10 @@ MediaPlayer::State MediaPlayer::CurrentState() const {
 double MediaPlayer::Position() const {
   impl_->FindPosition();
   return impl_->position;
+}
+
+const std::string& MediaPlayer::CurrentMedium() const {
+  return impl_->name;
 }
 
 std::optional<double> MediaPlayer::Length() const {

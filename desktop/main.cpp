@@ -1,12 +1,15 @@
 // The desktop program: a sound file and its picture in a window.
 #include "desktop/main_window.h"
 #include "desktop/messages.h"
+#include "desktop/player.h"
 #include "desktop/quit_signals.h"
 #include "host/install_paths.h"
 #include "host/log_capture.h"
+#include "platform/ports.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFileInfo>
+#include <QtCore/QSettings>
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
@@ -24,7 +27,7 @@ namespace {
 
 struct Arguments {
   std::filesystem::path plugin;
-  std::string medium;
+  QString medium;
 };
 
 void Describe(QCommandLineParser& parser) {
@@ -101,7 +104,13 @@ int ShowWindow(const Arguments& arguments) {
     PrintError(QString::fromStdString(error));
     return EXIT_FAILURE;
   }
-  MainWindow window(std::move(visualizer), arguments.medium, [&log] { return log.TakeText(); });
+  QSettings settings;
+  Player player(visualizer->Plugin(), settings);
+  // The medium begins once, with the first picture.
+  QObject::connect(
+      visualizer.get(), &Visualizer::Shown, &player, [&] { player.Open({arguments.medium}); },
+      Qt::SingleShotConnection);
+  MainWindow window(std::move(visualizer), player, [&log] { return log.TakeText(); });
   QuitSignals quitSignals;
   QObject::connect(&quitSignals, &QuitSignals::Received, &window, [&window] {
     window.close();
@@ -109,7 +118,11 @@ int ShowWindow(const Arguments& arguments) {
   });
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window, &MainWindow::End);
   window.show();
+  SetFrontWindow(reinterpret_cast<WindowRef>(window.winId()));
+  SetAlertSound([](int) { QApplication::beep(); });
   QApplication::exec();
+  SetAlertSound(nullptr);
+  SetFrontWindow(nullptr);
   return window.HasFailed() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
@@ -133,7 +146,7 @@ int Run() {
     PrintError(fault);
     return EXIT_FAILURE;
   }
-  Arguments arguments{InstalledPluginPath(), medium.toStdString()};
+  Arguments arguments{InstalledPluginPath(), medium};
   if (parser.isSet(QStringLiteral("plugin"))) {
     arguments.plugin = parser.value(QStringLiteral("plugin")).toStdString();
   }
@@ -154,6 +167,8 @@ void LeaveWithoutWaylandTeardown(int status) {
 int main(int argc, char** argv) {
   using namespace halvenor;
   QCoreApplication::setApplicationName(QString::fromLatin1(kProgramName));
+  QCoreApplication::setOrganizationName(QString::fromLatin1(kProgramName));
+  QSettings::setDefaultFormat(QSettings::IniFormat);
   QCoreApplication::setApplicationVersion(QStringLiteral(HALVENOR_VERSION));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Halvenor"));
   CommandLine line(argc, argv);

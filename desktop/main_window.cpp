@@ -37,10 +37,9 @@ QString MainWindow::KeyHelp() {
             "Every other key goes to the visualizer; its key h shows what it knows.");
 }
 
-MainWindow::MainWindow(std::unique_ptr<Visualizer> visualizer, std::string medium,
+MainWindow::MainWindow(std::unique_ptr<Visualizer> visualizer, Player& player,
                        std::function<std::string()> whyNoPicture)
-    : visualizer_(std::move(visualizer)), playback_(visualizer_->Plugin()),
-      medium_(std::move(medium)), whyNoPicture_(std::move(whyNoPicture)) {
+    : visualizer_(std::move(visualizer)), player_(player), whyNoPicture_(std::move(whyNoPicture)) {
   setWindowTitle(tr("Visualizer"));
   MakeContents();
   MakeMenus();
@@ -53,7 +52,7 @@ MainWindow::~MainWindow() {
 }
 
 void MainWindow::End() {
-  playback_.End();
+  player_.End();
   visualizer_->End();
 }
 
@@ -109,12 +108,8 @@ void MainWindow::MakeMenus() {
 void MainWindow::Connect() {
   connect(visualizer_.get(), &Visualizer::FullScreenWanted, this, &MainWindow::SetFullScreen);
   connect(visualizer_.get(), &Visualizer::ShowFailed, this, &MainWindow::ReportNoPicture);
-  // The medium begins once, with the first picture.
-  connect(
-      visualizer_.get(), &Visualizer::Shown, this, [this] { playback_.Open(medium_); },
-      Qt::SingleShotConnection);
-  connect(&playback_, &Playback::TrackChanged, this, &MainWindow::ShowTrack);
-  connect(&playback_, &Playback::PlayFailed, this, &MainWindow::Report);
+  connect(&player_, &Player::TrackChanged, this, &MainWindow::ShowTrack);
+  connect(&player_, &Player::Reported, this, &MainWindow::Report);
   connect(area_, &DrawingArea::KeyPressed, this, &MainWindow::keyPressEvent);
   visualizer_->DrawInto(*area_);
 }

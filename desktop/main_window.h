@@ -2,7 +2,7 @@
 #pragma once
 
 #include "desktop/drawing_area.h"
-#include "desktop/playback.h"
+#include "desktop/player.h"
 #include "desktop/visualizer.h"
 
 #include <QtWidgets/QLabel>
@@ -18,14 +18,17 @@ class MainWindow final : public QMainWindow {
   Q_OBJECT
 
 public:
-  /// Plays `medium` as soon as the picture is there. `whyNoPicture` is asked for the cause (UTF-8,
-  /// may be empty) when it cannot be shown.
-  MainWindow(std::unique_ptr<Visualizer> visualizer, std::string medium,
+  /// `player` must outlive the window. `whyNoPicture` is asked for the cause (UTF-8, may be empty)
+  /// when the picture cannot be shown.
+  MainWindow(std::unique_ptr<Visualizer> visualizer, Player& player,
              std::function<std::string()> whyNoPicture);
   ~MainWindow() override;
 
-  /// Tells the plug-in to end; after it only an empty window is left. May be repeated.
+  /// Ends the player and tells the plug-in to end; after it only an empty window is left. May be
+  /// repeated.
   void End();
+
+  void SetFullScreen(bool fullScreen);
 
   /// Whether something went wrong that a person was told of.
   [[nodiscard]] bool HasFailed() const { return failed_; }
@@ -45,7 +48,6 @@ private:
   void MakeMenus();
   void Connect();
 
-  void SetFullScreen(bool fullScreen);
   void ToggleFullScreen();
   void LeaveFullScreen();
   void Configure();
@@ -61,8 +63,7 @@ private:
   // In this order: the picture ends before its window does.
   DrawingArea* area_ = nullptr; ///< owned by `container_`
   std::unique_ptr<Visualizer> visualizer_;
-  Playback playback_;
-  const std::string medium_;
+  Player& player_;
   const std::function<std::string()> whyNoPicture_;
   QWidget* container_ = nullptr;
   QLabel* notice_ = nullptr;

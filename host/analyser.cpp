@@ -19,10 +19,11 @@ constexpr std::size_t kHalfBin = kPointsPerBin / 2;
 constexpr std::size_t kBins = 256;
 constexpr std::size_t kHop = kFramesPerRecord / 3;
 
-// The first window begins this far before its record, and the last one ends as far behind it.
-constexpr std::size_t kMargin = (kWindow - kHop) / 2;
-constexpr std::size_t kLookAhead = 2 * kHop + kWindow - kMargin - kFramesPerRecord;
-constexpr std::size_t kCapacity = kMargin + kFramesPerRecord + kLookAhead;
+// What the windows of a record see, and how much of that lies before the record.
+constexpr std::size_t kCapacity = 2 * kHop + kWindow;
+constexpr std::size_t Margin(AnalysisWindows windows) {
+  return windows == AnalysisWindows::Past ? kCapacity - kFramesPerRecord : (kWindow - kHop) / 2;
+}
 
 constexpr float kRangeDecibels = 80;
 
@@ -66,18 +67,18 @@ struct Analyser::Transform {
   std::array<GstFFTF32Complex, kPoints / 2 + 1> frequency{};
   std::array<float, kPoints / 2 + 1> magnitudes{};
 
-  // Left and right alternating; the first `kMargin` frames lie before the record.
-  std::array<float, 2 * kCapacity> sound{};
-  std::size_t filled = kMargin; // frames
+  const std::size_t margin;                 // frames that lie before the record
+  std::array<float, 2 * kCapacity> sound{}; // left and right alternating
+  std::size_t filled = margin;              // frames
   AnalysedSound result{};
 
-  Transform();
+  explicit Transform(AnalysisWindows windows);
   void FindMagnitudes(std::size_t channel);
   void FindSpectrum(std::uint8_t* bins) const;
   void FindWaveform(std::size_t channel, std::uint8_t* bytes) const;
 };
 
-Analyser::Transform::Transform() {
+Analyser::Transform::Transform(AnalysisWindows windows) : margin(Margin(windows)) {
   // Scaled so that the peak of a full-scale sine comes out as 1.
   for (std::size_t i = 0; i < kWindow; ++i) {
     const double phase = 2 * std::numbers::pi * (static_cast<double>(i) + 0.5) / kWindow;
@@ -130,13 +131,13 @@ void Analyser::Transform::FindWaveform(std::size_t channel, std::uint8_t* bytes)
     const std::size_t last = (i + 1) * kFramesPerRecord / kBytes;
     float sum = 0;
     for (std::size_t frame = first; frame < last; ++frame)
-      sum += sound[2 * (kMargin + frame) + channel];
+      sum += sound[2 * (margin + frame) + channel];
     bytes[i] = ToByte(128 + 128 * sum / static_cast<float>(last - first));
   }
 }
 
-Analyser::Analyser(Receiver receiver)
-    : receiver_(std::move(receiver)), transform_(std::make_unique<Transform>()) {}
+Analyser::Analyser(Receiver receiver, AnalysisWindows windows)
+    : receiver_(std::move(receiver)), transform_(std::make_unique<Transform>(windows)) {}
 
 Analyser::~Analyser() = default;
 
@@ -162,7 +163,7 @@ void Analyser::AnalyseRecord(std::size_t frames) {
     t.FindSpectrum(t.result.record.spectrum[channel]);
     t.FindWaveform(channel, t.result.record.waveform[channel]);
   }
-  t.result.sound = {t.sound.data() + 2 * kMargin, 2 * frames};
+  t.result.sound = {t.sound.data() + 2 * t.margin, 2 * frames};
   receiver_(t.result);
 
   ++t.result.index;
@@ -172,9 +173,9 @@ void Analyser::AnalyseRecord(std::size_t frames) {
 
 void Analyser::Flush() {
   Transform& t = *transform_;
-  for (std::size_t pushed = t.filled; pushed > kMargin;) {
+  for (std::size_t pushed = t.filled; pushed > t.margin;) {
     std::fill(t.sound.begin() + static_cast<std::ptrdiff_t>(2 * pushed), t.sound.end(), 0.0F);
-    AnalyseRecord(std::min(kFramesPerRecord, pushed - kMargin));
+    AnalyseRecord(std::min(kFramesPerRecord, pushed - t.margin));
     pushed -= std::min(pushed, kFramesPerRecord);
   }
   Reset();
@@ -183,7 +184,7 @@ void Analyser::Flush() {
 void Analyser::Reset() {
   Transform& t = *transform_;
   t.sound.fill(0);
-  t.filled = kMargin;
+  t.filled = t.margin;
   t.result.index = 0;
 }
 

@@ -1,9 +1,10 @@
 // From sound to audio records: waveform and spectrum of every 50 ms.
 //
-// Magnitudes. Each record is seen through three Hann windows of 2048 frames, centred in the thirds
-// of its 50 ms, each transformed at 4096 points (8 points per bin of 86.13 Hz). A bin's level is
-// the highest one found within half a bin of its frequency in any window, peaks that fall between
-// two points interpolated. A level L, in decibels below a full-scale sine, becomes
+// Magnitudes. Each record is seen through three Hann windows of 2048 frames, a third of its 50 ms
+// apart (as a rule centred in the thirds), each transformed at 4096 points (8 points per bin
+// of 86.13 Hz). A bin's level is the highest one found within half a bin of its frequency in any
+// window, peaks that fall between two points interpolated. A level L, in decibels below a
+// full-scale sine, becomes
 //
 //   255 x ((L + 80) / 80)^2,   0 below -80 dB
 //
@@ -35,20 +36,26 @@ struct AnalysedSound {
   std::span<const float> sound;
 };
 
+/// Which sound a record's windows see.
+enum class AnalysisWindows {
+  Centred, ///< up to 15 ms on both sides of the record
+  Past     ///< up to 30 ms before it, none after it: for sound that is heard already
+};
+
 /// Not safe for concurrent calls; allocates nothing after construction.
 class Analyser {
 public:
   /// Receives the records in order, from within `Push` and `Flush`; must not call the analyser.
   using Receiver = std::function<void(const AnalysedSound&)>;
 
-  explicit Analyser(Receiver receiver);
+  explicit Analyser(Receiver receiver, AnalysisWindows windows = AnalysisWindows::Centred);
   ~Analyser();
   Analyser(const Analyser&) = delete;
   Analyser& operator=(const Analyser&) = delete;
 
   /// Takes stereo sound at `kAnalysisRate`, left and right alternating (an odd last value is
   /// ignored). Values beyond -1..+1 are clipped, those that are no number are silence. A record
-  /// comes when 15 ms beyond its end have been pushed: its windows reach that far.
+  /// comes with the last frame that its windows see.
   void Push(std::span<const float> sound);
 
   /// Ends the sound: yields what is left, the last record padded with silence, and starts anew at

@@ -7,10 +7,10 @@
 
 namespace halvenor {
 
-/// A gain of 0 to 40 dB, never less, that brings the mean of bins 0 to 255 of quiet sound into the
-/// range of mastered music (15 to 60). It rises slowly, 6 dB a second, and falls within a few
-/// records; no value is driven beyond full scale by it. Below -70 dBFS it does not rise, so noise
-/// stays where it is; what is exactly 0 stays 0. Not safe for concurrent calls; never allocates.
+/// A gain of 0 to 40 dB that brings the mean of bins 0 to 255 of quiet sound into the range of
+/// mastered music (15 to 60), as far as the peaks leave room: no value is driven beyond full scale.
+/// It rises slowly, 6 dB a second, and falls within a few records. Noise below -70 dBFS lets it
+/// sink; what is exactly 0 stays 0. Not safe for concurrent calls; never allocates.
 class AutomaticGain {
 public:
   /// Lifts `sound`, the next piece of it (left and right alternating, 10 to 100 ms).

@@ -41,9 +41,9 @@ struct SoundOutput {
 class SoundServer {
 public:
   enum class State {
-    Connecting, ///< the first try has not come to an end, or a new one is under way
+    Connecting, ///< the first try has not come to an end
     Connected,  ///< the lists below are complete
-    Gone        ///< waiting for the next try; the lists are empty
+    Gone        ///< trying again; the lists are empty
   };
 
   /// `clientName` is how mixers show the program. The first try begins with the first `Poll`.

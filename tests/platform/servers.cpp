@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -36,6 +37,7 @@ ServerProcess::ServerProcess(std::vector<std::string> command, int handed,
   arguments.push_back(nullptr);
   pid_ = fork();
   if (pid_ != 0) return;
+  prctl(PR_SET_PDEATHSIG, SIGKILL); // a suite that crashes leaves nothing behind
   for (std::string& variable : environment)
     putenv(variable.data());
   if (handed >= 0) dup2(handed, 3);

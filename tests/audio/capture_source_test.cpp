@@ -1,0 +1,179 @@
+#include "host/capture_source.h"
+#include "host/media_player.h"
+#include "tests/audio/sound_files.h"
+#include "tests/audio/sound_servers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <thread>
+
+namespace halvenor {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using State = CaptureSource::State;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+/// Where the spectrum has its summit; nothing when it is silent.
+std::optional<long> LoudestBin(const RenderVisualData& record) {
+  const auto* loudest = std::ranges::max_element(record.spectrum[0]);
+  return *loudest > 100 ? std::optional(loudest - record.spectrum[0]) : std::nullopt;
+}
+
+class Ear : public CaptureSource::Listener {
+public:
+  void StateChanged(State state, const std::string& source) override {
+    states.emplace_back(state, source);
+  }
+  void Record(const RenderVisualData& record) override {
+    ++records;
+    bin = LoudestBin(record);
+    if (bin && !firstLoud) firstLoud = Clock::now();
+  }
+  void Level(float now) override { level = now; }
+  void ChosenSourceGone(const std::string& name) override { told.push_back("gone " + name); }
+  void ChosenSourceBack(const std::string& name) override { told.push_back("back " + name); }
+
+  bool Until(const std::function<bool()>& done, Clock::duration patience = 20s) {
+    const auto end = Clock::now() + patience;
+    while (!done()) {
+      if (Clock::now() > end) return false;
+      std::this_thread::sleep_for(5ms);
+      server.Poll();
+      capture.Poll();
+      if (andPoll) andPoll();
+    }
+    return true;
+  }
+  bool Hears(long wanted) {
+    return Until([&] { return bin == wanted && capture.CurrentState() == State::Listening; });
+  }
+  bool Reaches(State wanted) {
+    return Until([&] { return capture.CurrentState() == wanted; });
+  }
+
+  SoundServer server{"halvenor-test"};
+  CaptureSource capture{server, *this};
+  std::vector<std::pair<State, std::string>> states;
+  std::vector<std::string> told;
+  int records = 0;
+  std::optional<long> bin;
+  std::optional<Clock::time_point> firstLoud;
+  float level = 0;
+  std::function<void()> andPoll;
+};
+
+class CaptureSourceTest : public testing::TestWithParam<TestSoundServer::Kind> {
+protected:
+  void SetUp() override {
+    low = folder.Write("low.wav", "wavenc", {44100, 2, 30, Sine(12 * 86.13)});
+    high = folder.Write("high.wav", "wavenc", {44100, 2, 30, Sine(40 * 86.13, 0.01)});
+    ASSERT_TRUE(machine.Start());
+  }
+  bool MicrophoneIsOpen() {
+    const std::string sources = machine.Ask("list short sources");
+    const std::size_t begin = sources.find("\tmic\t");
+    EXPECT_NE(begin, std::string::npos);
+    return sources.substr(begin, sources.find('\n', begin) - begin).ends_with("RUNNING");
+  }
+
+  SoundFolder folder;
+  std::string low, high;
+  TestSoundServer machine{GetParam()};
+  Ear ear;
+};
+
+TEST_P(CaptureSourceTest, WhatTheDefaultOutputPlaysIsFollowed) {
+  const Playing onAlpha(low, "alpha");
+  const Playing onBeta(high, "beta");
+  ear.capture.Open();
+  ASSERT_TRUE(ear.Hears(12));
+  EXPECT_GT(ear.level, 0.98F);
+  EXPECT_EQ(ear.capture.Current().description, "Loud_alpha");
+
+  ASSERT_TRUE(machine.Control("set-default-sink beta"));
+  ASSERT_TRUE(ear.Hears(40)) << "quiet, and lifted";
+  EXPECT_NEAR(ear.level, 1 - 40.0 / 60, 0.02) << "of the sound before it was lifted";
+  EXPECT_EQ(ear.capture.Current().description, "Loud_beta");
+
+  ASSERT_TRUE(machine.RemoveOutput("beta"));
+  ASSERT_TRUE(ear.Hears(12));
+  EXPECT_FALSE(MicrophoneIsOpen());
+  EXPECT_THAT(ear.told, ElementsAre());
+
+  const auto sources = ear.server.Sources();
+  EXPECT_THAT(sources, Contains(SoundSource{"alpha.monitor", "Loud_alpha",
+                                            SoundSource::Kind::OutputMonitor, true}));
+  EXPECT_EQ(std::ranges::find(sources, "mic", &SoundSource::name)->kind,
+            SoundSource::Kind::Microphone);
+}
+
+TEST_P(CaptureSourceTest, AServerThatDiesIsWaitedFor) {
+  ear.capture.Open();
+  for (int round = 0; round < 2; ++round) {
+    const Playing playing(low, "alpha");
+    ASSERT_TRUE(ear.Hears(12)) << round;
+    machine.Kill();
+    ASSERT_TRUE(ear.Reaches(State::ServerGone));
+    const int before = ear.records;
+    ASSERT_TRUE(ear.Until([&] { return ear.records > before + 10; })) << "silence goes on";
+    EXPECT_FALSE(ear.bin);
+    ASSERT_TRUE(machine.Start());
+  }
+  EXPECT_THAT(ear.states, Contains(std::pair(State::ServerGone, std::string("Loud_alpha"))));
+}
+
+TEST_P(CaptureSourceTest, AChosenSourceIsReplacedWhileItIsAway) {
+  const Playing onAlpha(low, "alpha");
+  ear.capture.Open("beta.monitor");
+  {
+    const Playing onBeta(high, "beta");
+    ASSERT_TRUE(ear.Hears(40));
+  }
+  ASSERT_TRUE(machine.RemoveOutput("beta"));
+  ASSERT_TRUE(ear.Hears(12));
+  EXPECT_THAT(ear.told, ElementsAre("gone beta.monitor"));
+  ASSERT_TRUE(machine.MakeOutput("beta"));
+  const Playing onBeta(high, "beta");
+  ASSERT_TRUE(ear.Hears(40));
+  EXPECT_THAT(ear.told, ElementsAre("gone beta.monitor", "back beta.monitor"));
+  EXPECT_FALSE(MicrophoneIsOpen());
+
+  ear.capture.Open("mic");
+  ASSERT_TRUE(ear.Until([&] { return ear.capture.Current().name == "mic"; }));
+  ASSERT_TRUE(ear.Until([&] { return MicrophoneIsOpen(); })) << "it was asked for";
+}
+
+TEST_P(CaptureSourceTest, SilenceIsToldAfterTwoSeconds) {
+  ear.capture.Open();
+  const auto begin = Clock::now();
+  ASSERT_TRUE(ear.Reaches(State::NoSignal));
+  EXPECT_LT(Clock::now() - begin, 5s);
+  EXPECT_GT(ear.records, 10);
+  EXPECT_EQ(ear.level, 0);
+  const Playing playing(low, "alpha");
+  ASSERT_TRUE(ear.Hears(12));
+  ear.capture.Close();
+  const int before = ear.records;
+  ear.Until([] { return false; }, 200ms);
+  EXPECT_EQ(ear.records, before);
+}
+
+INSTANTIATE_TEST_SUITE_P(, CaptureSourceTest,
+                         testing::Values(TestSoundServer::Kind::PulseAudio,
+                                         TestSoundServer::Kind::PipeWire),
+                         [](const auto& tested) {
+                           return tested.param == TestSoundServer::Kind::PulseAudio ? "PulseAudio"
+                                                                                    : "PipeWire";
+                         });
+
+} // namespace
+} // namespace halvenor

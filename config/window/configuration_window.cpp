@@ -1,0 +1,143 @@
+#include "config/window/configuration_window.h"
+
+#include "config/window/settings_page.h"
+
+#include <QtGui/QCloseEvent>
+#include <QtGui/QScreen>
+#include <QtGui/QShortcut>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace halvenor {
+namespace {
+
+constexpr QSize kFirstSize(1080, 700);
+
+} // namespace
+
+ConfigurationWindow::ConfigurationWindow(LiveSettings& live)
+    : QWidget(nullptr, Qt::Window), live_(live), messages_(new MessageLine) {
+  setObjectName(QStringLiteral("halvenorConfiguration"));
+  setWindowTitle(tr("Halvenor Settings"));
+  setAttribute(Qt::WA_QuitOnClose, false);
+  MakeContents();
+  connect(&live_, &LiveSettings::Told, this, &ConfigurationWindow::Tell);
+  resize(kFirstSize.boundedTo(screen()->availableSize() * 0.9));
+}
+
+void ConfigurationWindow::MakeContents() {
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(new SettingsPage(live_), 1);
+  layout->addWidget(messages_);
+  layout->addWidget(MakeButtons());
+}
+
+QWidget* ConfigurationWindow::MakeButtons() {
+  auto* buttons = new QDialogButtonBox;
+  const auto add = [&](const QString& text, const QString& name, const QString& help,
+                       QDialogButtonBox::ButtonRole role, const QKeySequence& keys, auto act) {
+    QPushButton* button = buttons->addButton(text, role);
+    button->setObjectName(name);
+    button->setAutoDefault(false);
+    button->setToolTip(
+        QStringLiteral("%1 (%2)").arg(help, keys.toString(QKeySequence::NativeText)));
+    connect(button, &QPushButton::clicked, this, act);
+    connect(new QShortcut(keys, this), &QShortcut::activated, button,
+            [button] { button->click(); });
+  };
+  add(tr("&Save"), QStringLiteral("save"), tr("Keep these settings for the next time"),
+      QDialogButtonBox::ApplyRole, QKeySequence::Save, [this] {
+        if (Save()) Tell(tr("The settings are saved."));
+      });
+  add(tr("&Cancel"), QStringLiteral("cancel"),
+      tr("Put back the settings that were there before, and close"), QDialogButtonBox::RejectRole,
+      tr("Ctrl+Backspace"), [this] { Cancel(); });
+  add(tr("C&lose"), QStringLiteral("close"), tr("Keep these settings, and close"),
+      QDialogButtonBox::AcceptRole, Qt::Key_Escape, [this] { close(); });
+  return buttons;
+}
+
+void ConfigurationWindow::OpenInFront() {
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void ConfigurationWindow::Remember() {
+  live_.Flush();
+  before_ = live_.Present();
+}
+
+bool ConfigurationWindow::Save() {
+  live_.Flush();
+  const std::optional<Settings> now = live_.Present();
+  if (!now) return true; // there is nothing left to store
+  std::optional<Status> status = live_.Record().Ask(configuration_code::kStoreSettings);
+  if (status.value_or(status::kOk) != status::kOk) {
+    Tell(tr("The settings could not be stored (error %1).").arg(*status));
+    return false;
+  }
+  if (!before_ || now->fullScreenWidth != before_->fullScreenWidth ||
+      now->fullScreenHeight != before_->fullScreenHeight) {
+    status = live_.Record().Ask(configuration_code::kPassFullScreenOptions);
+    if (status.value_or(status::kOk) != status::kOk)
+      Tell(tr("The full-screen size was refused (error %1).").arg(*status));
+  }
+  Remember();
+  return true;
+}
+
+void ConfigurationWindow::Cancel() {
+  live_.StopSwitching();
+  if (before_) live_.Edit([before = *before_](Settings& settings) { settings = before; });
+  live_.Flush();
+  hide();
+}
+
+void ConfigurationWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  if (event->spontaneous()) return;
+  qApp->installEventFilter(this);
+  refused_ = false;
+  Remember();
+  WatchWhileSeen();
+}
+
+void ConfigurationWindow::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  if (event->spontaneous()) return;
+  qApp->removeEventFilter(this);
+  live_.Watch(false);
+}
+
+void ConfigurationWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) WatchWhileSeen();
+}
+
+void ConfigurationWindow::WatchWhileSeen() {
+  live_.Watch(isVisible() && !isMinimized());
+}
+
+// When a person closes it and the host cannot store, it stays once, with the reason in it; when the
+// program closes it there is no use in staying.
+void ConfigurationWindow::closeEvent(QCloseEvent* event) {
+  const bool asked = event->spontaneous() || isActiveWindow();
+  if (!Save() && asked && !std::exchange(refused_, true)) {
+    Tell(tr("The settings could not be stored. Close once more to leave them unstored."));
+    event->ignore();
+  }
+}
+
+bool ConfigurationWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Close && watched->isWidgetType()) {
+    const auto* other = static_cast<QWidget*>(watched);
+    if (other->isWindow() && other != this && !isAncestorOf(other)) Save();
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+} // namespace halvenor

@@ -1,0 +1,144 @@
+#include "config/window/settings_page.h"
+
+#include <QtGui/QScreen>
+#include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QFormLayout>
+#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
+
+#include <algorithm>
+#include <set>
+#include <span>
+#include <string_view>
+
+namespace halvenor {
+namespace {
+
+struct Group {
+  const char* title;
+  std::span<const std::string_view> fields;
+};
+
+constexpr std::string_view kMotion[] = {"intensity", "fade", "zoom", "zoomRotation", "numLines"};
+constexpr std::string_view kColors[] = {"innerColor", "outerColor", "colorCycle"};
+constexpr std::string_view kDrawing[] = {"frequencyScale", "smoothing",      "glow",
+                                         "sharpOverlay",   "verticalLayout", "autopilot"};
+constexpr std::string_view kTexts[] = {"trackTextDuration", "numFrequencyLabels", "fontSize",
+                                       "showFrameRate"};
+constexpr std::string_view kScreen[] = {"frameDelay", "fullScreenWidth", "fullScreenHeight"};
+
+constexpr std::size_t kFirstOfSecondColumn = 3;
+
+// What is named nowhere here goes into a last group.
+constexpr Group kGroups[] = {
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Picture"), kMotion},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Colours"), kColors},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Drawing"), kDrawing},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Texts"), kTexts},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Screen"), kScreen},
+};
+
+} // namespace
+
+SettingsPage::SettingsPage(LiveSettings& live) : live_(live) {
+  setObjectName(QStringLiteral("settings"));
+  setWidgetResizable(true);
+  setFrameShape(QFrame::NoFrame);
+  setFocusPolicy(Qt::NoFocus);
+  setWidget(new QWidget);
+  auto* row = new QHBoxLayout(widget());
+  for (QBoxLayout*& column : columns_) {
+    column = new QVBoxLayout;
+    column->addStretch();
+    row->addLayout(column, 1);
+  }
+  std::set<std::string_view> placed;
+  for (const Group& row : kGroups) {
+    QWidget* group = MakeGroup(tr(row.title));
+    for (const std::string_view name : row.fields) {
+      AddField(group, *FindSetting(name));
+      placed.insert(name);
+    }
+    if (row.fields.data() == kScreen) AddScreenSizeButton(group);
+  }
+  QWidget* others = nullptr;
+  for (const SettingField& field : SettingFields()) {
+    if (placed.contains(field.name)) continue;
+    if (!others) others = MakeGroup(tr("Others"));
+    AddField(others, field);
+  }
+  Arrange();
+  connect(&live_, &LiveSettings::Seen, this, &SettingsPage::ShowPresent);
+  ShowPresent();
+}
+
+QWidget* SettingsPage::MakeGroup(const QString& title) {
+  auto* group = new QGroupBox(title, widget()); // here at once: the order for the tab key
+  auto* form = new QFormLayout(group);
+  form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+  form->setRowWrapPolicy(QFormLayout::DontWrapRows);
+  groups_.push_back(group);
+  return group;
+}
+
+void SettingsPage::AddField(QWidget* group, const SettingField& field) {
+  SettingControl* control = MakeSettingControl(field, this);
+  controls_.push_back(control);
+  auto* form = static_cast<QFormLayout*>(group->layout());
+  if (control->HasOwnLabel()) {
+    form->addRow(control->Editor());
+  } else {
+    form->addRow(SettingLabel(field), control->Editor());
+  }
+  connect(control, &SettingControl::Edited, this, [this, control] {
+    live_.Edit([control](Settings& settings) { control->Store(settings); });
+  });
+}
+
+void SettingsPage::AddScreenSizeButton(QWidget* group) {
+  auto* button = new QPushButton(tr("Use This Screen's Size"));
+  button->setObjectName(QStringLiteral("useScreenSize"));
+  button->setAutoDefault(false);
+  static_cast<QFormLayout*>(group->layout())->addRow({}, button);
+  connect(button, &QPushButton::clicked, this, [this] {
+    const QSizeF size = QSizeF(screen()->size()) * screen()->devicePixelRatio();
+    findChild<QDoubleSpinBox*>(QStringLiteral("fullScreenWidth"))->setValue(size.width());
+    findChild<QDoubleSpinBox*>(QStringLiteral("fullScreenHeight"))->setValue(size.height());
+  });
+}
+
+// The groups one under another, or in two columns where there is room.
+void SettingsPage::Arrange() {
+  int widest = 0;
+  for (const QWidget* group : groups_)
+    widest = std::max(widest, group->minimumSizeHint().width());
+  const QMargins margins = widget()->layout()->contentsMargins();
+  const int around = margins.left() + margins.right();
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  setMinimumWidth(widest + around + bar);
+  const bool two = width() >= 2 * widest + around + bar + widget()->layout()->spacing();
+  if (two == twoColumns_) return;
+  twoColumns_ = two;
+  for (std::size_t i = 0; i < groups_.size(); ++i) {
+    QBoxLayout* column = columns_[two && i >= kFirstOfSecondColumn];
+    for (QBoxLayout* each : columns_)
+      each->removeWidget(groups_[i]);
+    column->insertWidget(column->count() - 1, groups_[i]);
+  }
+}
+
+void SettingsPage::resizeEvent(QResizeEvent* event) {
+  QScrollArea::resizeEvent(event);
+  Arrange();
+}
+
+void SettingsPage::ShowPresent() {
+  widget()->setEnabled(live_.Present().has_value());
+  if (!live_.Present()) return;
+  for (SettingControl* control : controls_)
+    control->Show(*live_.Present());
+}
+
+} // namespace halvenor

@@ -105,6 +105,7 @@ GLenum HalvenorContext::Unrealise() {
     if (!Bind(EGL_NO_SURFACE)) return AGL_BAD_CONTEXT;
     buffer_ = RenderTarget();
     nowhere_ = RenderTarget();
+    scaler_ = PictureScaler();
     pbuffer_ = nullptr;
     presenter_.reset();
     if (before != nullptr && before != this)
@@ -124,6 +125,8 @@ void HalvenorContext::ReadBounds() {
   Rect bounds{};
   GetPortBounds(lastPort_, &bounds);
   bounds_ = {bounds.right - bounds.left, bounds.bottom - bounds.top};
+  output_ = lastPort_ ? Size{lastPort_->outputWidth, lastPort_->outputHeight} : Size();
+  surfaceScale_ = lastPort_ ? lastPort_->waylandScale : 0;
 }
 
 Size HalvenorContext::BufferSize() const {
@@ -232,11 +235,12 @@ GLenum HalvenorContext::Swap() {
   if (port_ == nullptr || !presenter_) return AGL_NO_ERROR;
   // A buffer that could not be made was reported, too, and leaves no picture to show.
   if (!buffer_ && !BufferSize().IsEmpty()) return AGL_NO_ERROR;
-  Picture picture{buffer_ ? &buffer_ : nullptr, 0, 0, bounds_};
+  Picture picture{buffer_ ? &buffer_ : nullptr, 0, 0, bounds_, surfaceScale_};
   if (usesRect_) {
     picture.x = rectX_;
     picture.y = rectY_;
   }
+  if (!output_.IsEmpty() && output_ != bounds_) picture = scaler_.Scale(picture, output_);
   presenter_->Present(picture);
   return UseBuffer();
 }

@@ -3,6 +3,7 @@
 
 #include "platform/agl.h"
 #include "platform/egl_display.h"
+#include "platform/picture_scaler.h"
 #include "platform/presenter.h"
 #include "platform/render_target.h"
 
@@ -60,7 +61,10 @@ private:
   GrafPtr port_ = nullptr; ///< what drawing is directed to, unless it is `pbuffer_`
   const halvenor::agl::RenderTarget* pbuffer_ = nullptr; ///< only while `port_` is null
   GrafPtr lastPort_ = nullptr; ///< the port attached last; `bounds_`, `presenter_` belong to it
-  halvenor::agl::Size bounds_; ///< copied when the host's thread calls: a frame may not look
+  // Copied when the host's thread calls: a frame may not look.
+  halvenor::agl::Size bounds_;
+  halvenor::agl::Size output_; ///< empty: pictures are not scaled
+  GLint surfaceScale_ = 0;
   GLint rectX_ = 0;
   GLint rectY_ = 0;
   halvenor::agl::Size rect_;
@@ -72,5 +76,6 @@ private:
   bool triedPort_ = false; ///< a presenter for `lastPort_` was made, or could not be
   halvenor::agl::RenderTarget nowhere_;
   halvenor::agl::RenderTarget buffer_;
+  halvenor::agl::PictureScaler scaler_;
   halvenor::agl::Size triedSize_; ///< the size for which `buffer_` was made, or could not be
 };

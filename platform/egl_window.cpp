@@ -69,7 +69,7 @@ void EglWindow::DestroySurface() {
 void EglWindow::Present(const Picture& picture) {
   if (picture.port.IsEmpty()) return;
   if (std::exchange(paced_, false)) eglSwapInterval(display_, 0);
-  Resize(picture.port);
+  Follow(picture);
   const VisiblePart part = ClipToPort(picture);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
   glPushAttrib(GL_COLOR_BUFFER_BIT | GL_SCISSOR_BIT);

@@ -24,8 +24,8 @@ protected:
   bool CreateSurface(void* nativeWindow, EGLint visual);
   void DestroySurface();
 
-  /// Lets the native window follow the port's size.
-  virtual void Resize(Size /*port*/) {}
+  /// Lets the native window follow the port's size and scale.
+  virtual void Follow(const Picture& /*picture*/) {}
 
 private:
   EGLDisplay display_;

@@ -1,8 +1,9 @@
 // What a host offers to a plug-in: drawing ports, the areas to draw in; its front window; an alert.
 //
-// A port is a plain record that the host fills and keeps alive, unchanged but for `bounds`, from
-// 'show' until 'hide' has returned. `bounds` changes on the host's thread only, before the 'swin'
-// that tells of it; it is read only while the host's thread attaches the port or follows a change
+// A port is a plain record that the host fills and keeps alive, unchanged but for its sizes, from
+// 'show' until 'hide' has returned. The sizes change on the host's thread only, before the 'swin'
+// that tells of it; they are read only while the host's thread attaches the port or follows a
+// change
 // (`aglUpdateContext`), never in a frame.
 #pragma once
 
@@ -34,8 +35,8 @@ typedef enum HalvenorPortKind {
 typedef struct HalvenorFrame {
   const uint8_t* topRow; ///< first byte of the top row; valid during the callback only
   ptrdiff_t stride;      ///< bytes from one row to the row below it; may be negative
-  int32_t width;         ///< pixels: the width of the port's bounds
-  int32_t height;        ///< pixels: the height of the port's bounds
+  int32_t width;         ///< pixels: the width of the port's output or bounds
+  int32_t height;        ///< pixels: the height of the port's output or bounds
 } HalvenorFrame;
 
 /// Receives each finished frame, on whichever thread drew it, while the plug-in's lock is held:
@@ -46,6 +47,11 @@ typedef struct HalvenorPort {
   HalvenorPortKind kind;
   Rect bounds; ///< device pixels; top and left are 0 for a port that is a whole window
 
+  /// The size of the window in device pixels where that is not the size of `bounds`: pictures are
+  /// then shown as large as fits, in the middle of black. 0: they are shown as they are.
+  int32_t outputWidth;
+  int32_t outputHeight;
+
   /// X11: name of the display, null for $DISPLAY. The platform layer opens its own connection.
   const char* x11DisplayName;
   /// X11: the window, which the host has mapped or will map.
@@ -55,6 +61,9 @@ typedef struct HalvenorPort {
   /// buffers to the surface.
   void* waylandDisplay;
   void* waylandSurface;
+  /// Wayland: the surface's buffer scale, which the pictures are shown with; their size must be a
+  /// multiple of it. 0: whatever it is.
+  int32_t waylandScale;
 
   /// Offscreen: called with each finished frame; null to finish frames without reading them back.
   HalvenorFrameProc frameFinished;

@@ -3,6 +3,7 @@
 #include "platform/window_systems.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace halvenor::agl {
@@ -22,6 +23,19 @@ Overlap OverlapWith(GLsizei limit, GLint at, GLsizei length) {
 }
 
 } // namespace
+
+Fitted FitPicture(const Picture& picture, Size output) {
+  if (picture.target == nullptr || picture.port.IsEmpty()) return {};
+  const double scale = std::min(static_cast<double>(output.width) / picture.port.width,
+                                static_cast<double>(output.height) / picture.port.height);
+  const Size size = picture.target->GetSize();
+  const auto scaled = [scale](GLint pixels) {
+    return static_cast<GLint>(std::lround(pixels * scale));
+  };
+  return {{scaled(size.width), scaled(size.height)},
+          (output.width - scaled(picture.port.width)) / 2 + scaled(picture.x),
+          (output.height - scaled(picture.port.height)) / 2 + scaled(picture.y)};
+}
 
 VisiblePart ClipToPort(const Picture& picture) {
   if (picture.target == nullptr) return {};

@@ -20,7 +20,20 @@ struct Picture {
   GLint x = 0;
   GLint y = 0;
   Size port;
+  GLint surfaceScale = 0; ///< the buffer scale of a Wayland surface; 0: whatever it is
 };
+
+/// How large a picture of `port` becomes in a port of the size `output`, and where: as large as
+/// fits, its proportions kept, in the middle.
+struct Fitted {
+  Size size;
+  GLint x = 0;
+  GLint y = 0;
+
+  bool operator==(const Fitted&) const = default;
+};
+
+[[nodiscard]] Fitted FitPicture(const Picture& picture, Size output);
 
 /// The part of a picture that lies inside its port, in the picture and in the port.
 struct VisiblePart {

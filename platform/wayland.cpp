@@ -34,7 +34,7 @@ private:
 class WaylandEglWindow final : public EglWindow {
 public:
   WaylandEglWindow(EGLDisplay display, wl_surface* surface)
-      : EglWindow(display), window_(wl_egl_window_create(surface, 1, 1)) {}
+      : EglWindow(display), surface_(surface), window_(wl_egl_window_create(surface, 1, 1)) {}
   ~WaylandEglWindow() override {
     DestroySurface();
     if (window_ != nullptr) wl_egl_window_destroy(window_);
@@ -43,8 +43,12 @@ public:
   bool Open() { return window_ != nullptr && CreateSurface(window_, 0); }
 
 private:
-  void Resize(Size port) override { wl_egl_window_resize(window_, port.width, port.height, 0, 0); }
+  void Follow(const Picture& picture) override {
+    wl_egl_window_resize(window_, picture.port.width, picture.port.height, 0, 0);
+    SetSurfaceScale(surface_, picture.surfaceScale);
+  }
 
+  wl_surface* surface_;
   wl_egl_window* window_;
 };
 

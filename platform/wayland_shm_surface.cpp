@@ -55,6 +55,7 @@ public:
   void Put(const Picture& picture, wl_surface* surface) {
     reader_.Read(picture, static_cast<std::uint8_t*>(memory_));
     isHeld_ = true;
+    SetSurfaceScale(surface, picture.surfaceScale);
     wl_surface_attach(surface, buffer_, 0, 0);
     wl_surface_damage(surface, 0, 0, INT32_MAX, INT32_MAX);
     wl_surface_commit(surface);
@@ -175,6 +176,12 @@ private:
 };
 
 } // namespace
+
+void SetSurfaceScale(wl_surface* surface, int scale) {
+  const auto version = wl_proxy_get_version(reinterpret_cast<wl_proxy*>(surface));
+  if (scale > 0 && version >= WL_SURFACE_SET_BUFFER_SCALE_SINCE_VERSION)
+    wl_surface_set_buffer_scale(surface, scale);
+}
 
 std::unique_ptr<Presenter> MakeWaylandShmSurface(wl_display* display, wl_surface* surface) {
   auto presenter = std::make_unique<ShmSurface>(display, surface);

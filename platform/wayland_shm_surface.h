@@ -15,4 +15,8 @@ namespace halvenor::agl {
 /// row first (frame_reader.h). Null when the compositor offers no shared memory.
 std::unique_ptr<Presenter> MakeWaylandShmSurface(wl_display* display, wl_surface* surface);
 
+/// What `surface` is given is shown, from its next commit on, with this buffer scale; 0: with the
+/// one that it has.
+void SetSurfaceScale(wl_surface* surface, int scale);
+
 } // namespace halvenor::agl

@@ -63,6 +63,35 @@ TEST_F(OffscreenTest, ARectangleOverTheEdgeIsCut) {
   }
 }
 
+// A port that is smaller than its window fills it, in its own proportions, in the middle of black;
+// and no longer once the sizes agree.
+TEST_F(OffscreenTest, PicturesAreScaledToTheirWindow) {
+  const struct {
+    int width, height; // of the window; the port has 32 x 24
+    int x, y, shownWidth, shownHeight;
+  } windows[] = {{64, 48, 0, 0, 64, 48},
+                 {100, 48, 18, 0, 64, 48},
+                 {16, 40, 0, 14, 16, 12},
+                 {32, 24, 0, 0, 32, 24},
+                 {33, 24, 0, 0, 32, 24}};
+  OffscreenPort port(32, 24);
+  const TestContext context(&port.port);
+  ASSERT_TRUE(aglSetCurrentContext(context.context));
+  context.SetRect(0, 0, 32, 24);
+  for (const auto& window : windows) {
+    SCOPED_TRACE(testing::Message() << window.width << " x " << window.height);
+    port.port.outputWidth = window.width;
+    port.port.outputHeight = window.height;
+    ASSERT_TRUE(aglUpdateContext(context.context));
+    DrawQuarters(32, 24);
+    aglSwapBuffers(context.context);
+    ASSERT_EQ(port.image.width, window.width);
+    ASSERT_EQ(port.image.height, window.height);
+    EXPECT_EQ(QuartersFault(port.image, window.x, window.y, window.shownWidth, window.shownHeight),
+              "");
+  }
+}
+
 TEST_F(OffscreenTest, AResizeIsFollowed) {
   OffscreenPort port(64, 48);
   const TestContext context(&port.port);

@@ -60,6 +60,9 @@ public:
   [[nodiscard]] const Preset* Find(std::string_view id) const;
   [[nodiscard]] const Preset* FindByName(std::string_view name) const;
 
+  /// What `Load` said about the file that the preset called `name` would lie in; null: nothing.
+  [[nodiscard]] const std::string* Unreadable(std::string_view name) const;
+
   /// A name that is not taken: `wish`, or `wish` with a number.
   [[nodiscard]] std::string FreshName(std::string_view wish) const;
 

@@ -1,5 +1,6 @@
 #include "config/preset_names.h"
 
+#include "config/key_file.h"
 #include "config/preset_file.h"
 
 #include <glib.h>
@@ -15,13 +16,8 @@ constexpr std::size_t kLongestLine = 400; // characters
 constexpr std::size_t kLongestId = 100;
 constexpr std::size_t kLongestMadeId = 60; // leaves room for a number
 
-struct Freed {
-  void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, Freed>;
-
-Text Valid(std::string_view text) {
-  return Text(g_utf8_make_valid(std::string(text).c_str(), static_cast<gssize>(text.size())));
+GlibText Valid(std::string_view text) {
+  return GlibText(g_utf8_make_valid(std::string(text).c_str(), static_cast<gssize>(text.size())));
 }
 
 bool BreaksLine(gunichar c) {
@@ -32,7 +28,7 @@ bool BreaksLine(gunichar c) {
 
 // The characters of `text`, what breaks lines replaced, up to `most` of them.
 std::string OneLine(std::string_view text, char replacement, std::size_t most) {
-  const Text valid = Valid(text);
+  const GlibText valid = Valid(text);
   std::string line;
   const char* at = valid.get();
   for (; *at && most > 0; --most) {
@@ -83,13 +79,13 @@ std::string Printable(std::string_view text) {
 }
 
 std::string Folded(std::string_view text) {
-  const Text normal(g_utf8_normalize(Valid(text).get(), -1, G_NORMALIZE_ALL_COMPOSE));
-  const Text folded(g_utf8_casefold(normal.get(), -1));
+  const GlibText normal(g_utf8_normalize(Valid(text).get(), -1, G_NORMALIZE_ALL_COMPOSE));
+  const GlibText folded(g_utf8_casefold(normal.get(), -1));
   return folded.get();
 }
 
 std::string SortKey(std::string_view name) {
-  return Text(g_utf8_collate_key_for_filename(Folded(name).c_str(), -1)).get();
+  return GlibText(g_utf8_collate_key_for_filename(Folded(name).c_str(), -1)).get();
 }
 
 std::string TidyPresetName(std::string_view name) {
@@ -118,7 +114,7 @@ bool IsPresetId(std::string_view id) {
 }
 
 std::string FreshIdFor(std::string_view name, const std::set<std::string>& taken) {
-  const Text ascii(g_str_to_ascii(Valid(name).get(), "C"));
+  const GlibText ascii(g_str_to_ascii(Valid(name).get(), "C"));
   std::string base;
   for (const char* at = ascii.get(); *at && base.size() < kLongestMadeId; ++at) {
     if (g_ascii_isalnum(*at))

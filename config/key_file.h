@@ -1,0 +1,37 @@
+// The text files of presets as GLib reads them.
+#pragma once
+
+#include <glib.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace halvenor {
+
+struct GlibFreed {
+  void operator()(GKeyFile* file) const { g_key_file_unref(file); }
+  void operator()(GError* error) const { g_error_free(error); }
+  void operator()(char* text) const { g_free(text); }
+  void operator()(char** texts) const { g_strfreev(texts); }
+};
+using GlibKeyFile = std::unique_ptr<GKeyFile, GlibFreed>;
+using GlibError = std::unique_ptr<GError, GlibFreed>;
+using GlibText = std::unique_ptr<char, GlibFreed>;
+using GlibTexts = std::unique_ptr<char*, GlibFreed>;
+
+inline constexpr int kPresetFormat = 1;
+
+/// Whitespace of either end taken off.
+std::string_view Trimmed(std::string_view text);
+
+/// Reads `text`, whose group `head` must say "format=1". On failure returns null and leaves in
+/// `problem` what is wrong with the file, as the end of a sentence that begins with its name.
+GlibKeyFile ParseKeyFile(std::string_view text, const char* head, std::string& problem);
+
+/// A new one with that head.
+GlibKeyFile NewKeyFile(const char* head);
+
+std::string TextOf(GKeyFile* file);
+
+} // namespace halvenor

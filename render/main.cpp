@@ -1,9 +1,11 @@
 // halvenor-render: sound in, moving pictures out.
+#include "host/install_paths.h"
 #include "render/deliveries.h"
 #include "render/offscreen_show.h"
 #include "render/options.h"
 #include "render/output.h"
 #include "render/pending_file.h"
+#include "render/preset_choice.h"
 #include "render/progress.h"
 #include "render/stop_signals.h"
 #include "render/time_line.h"
@@ -155,9 +157,16 @@ int Main(int argc, const char* const* argv) {
   if (const auto end = ReadCommandLine(argc, argv, options))
     return end->error.empty() ? end->exitCode : Fail(end->exitCode, end->error);
 
+  std::filesystem::path plugin(options.pluginPath);
+  if (plugin.empty()) plugin = InstalledPluginPath();
+  if (options.listPresets)
+    return ListPresets(plugin) ? 0 : Fail(kFailure, "cannot write to standard output");
+  std::string error;
+  if (!options.preset.empty() && !(options.look = ChoosePreset(options.preset, plugin, error)))
+    return Fail(kFailure, error);
+
   const StopSignals stopSignals;
   const int frames = TakeStandardOutput();
-  std::string error;
   try {
     Run run(options);
     if (run.Open(frames) && run.Perform() && run.Finish()) return 0;

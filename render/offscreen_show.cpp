@@ -1,5 +1,6 @@
 #include "render/offscreen_show.h"
 
+#include "config/look.h"
 #include "host/install_paths.h"
 #include "host/plugin_module.h"
 #include "platform/clock.h"
@@ -85,15 +86,20 @@ bool OffscreenShow::Start(const Options& options, std::string& error) {
   return false;
 }
 
-// Gives the plug-in the stored block, or the defaults, with the settings of the command line.
+// Gives the plug-in the stored block, or the defaults, with the look and then the settings of the
+// command line.
 void OffscreenShow::LoadSettings(const Options& options) {
-  if (options.assignments.empty()) return;
+  if (!options.look && options.assignments.empty()) return;
   Settings settings{};
   std::size_t size = 0;
   const std::string& name = plugin_->Registration().name;
   const Status result = preferences_->Read(name, BytesOf(settings), size);
   if (result != status::kOk || size == 0 || settings.settingsVersion != kSettingsVersion)
     settings = DefaultSettings();
+  if (options.look) {
+    CopyLook(*options.look, settings);
+    settings.autopilot = 0; // it would leave the look at once
+  }
   for (const Assignment& assignment : options.assignments)
     SetFromText(settings, *assignment.field, assignment.value);
   // From here on in memory: a look that is tried out is not what the store is to remember.

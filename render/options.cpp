@@ -194,7 +194,13 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   app.add_option("--start", options.startSeconds, "Begin at S seconds of the sound")
       ->type_name("S");
   app.add_option("--duration", options.durationSeconds, "Show S seconds")->type_name("S");
-  app.add_option("--set", assignments, "A setting, repeatable: " + SettingNames())
+  app.add_option("--preset", options.preset,
+                 "A look by its name, or a file (FILE, or FILE#NAME where it holds several)")
+      ->type_name("NAME|FILE");
+  app.add_flag("--list-presets", options.listPresets,
+               "Print the names of all presets, one a line, and end");
+  app.add_option("--set", assignments,
+                 "A setting, repeatable, made after the preset: " + SettingNames())
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
   app.add_option("--keys", keys,
@@ -228,6 +234,8 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   options.progress = quiet    ? ProgressKind::Quiet
                      : always ? ProgressKind::Always
                               : ProgressKind::Automatic;
+
+  if (options.listPresets) return std::nullopt;
 
   Problem problem;
   if (options.input.empty() && options.recordsFile.empty())

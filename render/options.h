@@ -37,8 +37,11 @@ struct Options {
   FrameRate frameRate{60, 1};
   double startSeconds = 0;
   std::optional<double> durationSeconds;
-  std::vector<Assignment> assignments;
-  std::vector<KeyPress> keys; ///< in the order of their times
+  std::string preset;           ///< a name, FILE or FILE#NAME; empty: none
+  std::optional<Settings> look; ///< of `preset`
+  bool listPresets = false;
+  std::vector<Assignment> assignments; ///< made after the look
+  std::vector<KeyPress> keys;          ///< in the order of their times
   std::string recordsFile;
   std::string dumpFile;
   std::string preferencesFolder;

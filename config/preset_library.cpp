@@ -1,15 +1,13 @@
 #include "config/preset_library.h"
 
 #include "config/look.h"
+#include "config/preset_catalogue.h"
 #include "config/preset_names.h"
 #include "config/preset_store.h"
 
-#include <glib.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <deque>
-#include <map>
+#include <glib.h>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -32,10 +30,6 @@ std::string BytesOf(const std::string& name, const Settings& look) {
   return PrintPresets(std::span(&preset, 1));
 }
 
-bool SamePreset(const NamedLook& one, const NamedLook& other) {
-  return one.name == other.name && SameLook(one.look, other.look);
-}
-
 bool IsInside(const fs::path& file, const fs::path& folder) {
   std::error_code none;
   const fs::path absolute = fs::absolute(file, none);
@@ -45,113 +39,37 @@ bool IsInside(const fs::path& file, const fs::path& folder) {
 } // namespace
 
 struct PresetLibrary::Impl {
-  explicit Impl(Folders folders) : store(folders.own), factoryFolder(folders.factory) {}
+  explicit Impl(Folders folders)
+      : store(std::move(folders.own)), factoryFolder(std::move(folders.factory)) {}
 
-  std::vector<std::string> Load();
-  void Refresh();
-  void Show(const std::string& id, const NamedLook& preset, Preset::Origin origin);
-  [[nodiscard]] const Preset* Find(std::string_view id) const;
-  [[nodiscard]] std::set<std::string> FactoryIds() const;
   [[nodiscard]] std::optional<std::string> BytesOnDisk(const std::string& id) const;
   [[nodiscard]] PresetEdit NewPreset(const std::string& name, const Settings& look) const;
+  /// Tidies `name`, which must be nobody's but `except`'s.
   Problem CheckName(std::string& name, std::string_view except) const;
   Problem Make(PresetChange change, std::string* newId = nullptr);
   Problem Rewrite(const Preset& preset, std::string text, const std::string& name,
                   const Settings& look);
   void RestoreOne(const std::string& id, const StoredPreset& changed, PresetChange& change,
-                  std::set<std::string>& names) const;
+                  std::set<std::string>& taken) const;
   Problem Undo();
 
   PresetStore store;
-  fs::path factoryFolder;
-  StoredPresets factory;
-  std::map<std::string, std::string> unreadableFactory;
-  std::map<std::string, fs::path> pictures; ///< of factory presets, by id
-  std::vector<Preset> presets;
-  std::set<std::string> names; ///< of `presets`, folded
+  const fs::path factoryFolder;
+  PresetCatalogue catalogue;
   std::deque<PresetChange> done;
 };
-
-// ---- What there is ----
-
-std::vector<std::string> PresetLibrary::Impl::Load() {
-  unreadableFactory.clear();
-  factory.clear();
-  pictures.clear();
-  if (!factoryFolder.empty()) factory = ReadPresetFolder(factoryFolder, unreadableFactory);
-  for (const auto& [id, preset] : factory) {
-    std::error_code none;
-    fs::path picture = factoryFolder / (id + ".png");
-    if (fs::is_regular_file(picture, none)) pictures[id] = std::move(picture);
-  }
-  std::vector<std::string> lines = store.Load();
-  for (const auto& [id, line] : unreadableFactory)
-    lines.push_back(line);
-  Refresh();
-  return lines;
-}
-
-void PresetLibrary::Impl::Show(const std::string& id, const NamedLook& preset,
-                               Preset::Origin origin) {
-  // Files may have been given the same name by hand, or by two programs at once.
-  Preset shown{id, FreshNameFor(preset.name, names), preset.look, {}, origin, {}};
-  names.insert(Folded(shown.name));
-  shown.favourite = store.IsMarked(Kind::Favourite, id);
-  if (const auto picture = pictures.find(id);
-      picture != pictures.end() && SameLook(factory.at(id).preset.look, preset.look))
-    shown.picture = picture->second;
-  presets.push_back(std::move(shown));
-}
-
-// A person's own names come first: commands and habits rely on them.
-void PresetLibrary::Impl::Refresh() {
-  presets.clear();
-  names.clear();
-  for (const auto& [id, own] : store.Files()) {
-    const auto original = factory.find(id);
-    const Preset::Origin origin = original == factory.end() ? Preset::Origin::Own
-                                  : SamePreset(original->second.preset, own.preset)
-                                      ? Preset::Origin::Factory
-                                      : Preset::Origin::ChangedFactory;
-    Show(id, own.preset, origin);
-  }
-  for (const auto& [id, original] : factory)
-    if (!store.Files().contains(id) && !store.IsMarked(Kind::Hidden, id))
-      Show(id, original.preset, Preset::Origin::Factory);
-
-  std::map<std::string, std::string> keys;
-  for (const Preset& preset : presets)
-    keys[preset.id] = SortKey(preset.name);
-  std::sort(presets.begin(), presets.end(),
-            [&](const Preset& a, const Preset& b) { return keys[a.id] < keys[b.id]; });
-}
-
-const Preset* PresetLibrary::Impl::Find(std::string_view id) const {
-  const auto found = std::find_if(presets.begin(), presets.end(),
-                                  [&](const Preset& preset) { return preset.id == id; });
-  return found == presets.end() ? nullptr : &*found;
-}
-
-std::set<std::string> PresetLibrary::Impl::FactoryIds() const {
-  std::set<std::string> ids;
-  for (const auto& [id, preset] : factory)
-    ids.insert(id);
-  return ids;
-}
 
 std::optional<std::string> PresetLibrary::Impl::BytesOnDisk(const std::string& id) const {
   const auto file = store.Files().find(id);
   return file == store.Files().end() ? std::nullopt : std::optional(file->second.bytes);
 }
 
-// ---- Changes ----
-
 Problem PresetLibrary::Impl::Make(PresetChange change, std::string* newId) {
-  if (Problem problem = store.Commit(change, FactoryIds())) return problem;
+  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
   if (newId && !change.edits.empty()) *newId = change.edits.front().id;
   done.push_back(std::move(change));
   if (done.size() > kMostUndone) done.pop_front();
-  Refresh();
+  catalogue.Show(store);
   return std::nullopt;
 }
 
@@ -159,7 +77,7 @@ Problem PresetLibrary::Impl::Undo() {
   if (done.empty()) return "There is nothing to undo.";
   PresetChange change = Reversed(done.back());
   change.moved.clear();
-  if (Problem problem = store.Commit(change, FactoryIds())) return problem;
+  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
   done.pop_back();
   const auto follow = [&](std::string& id) {
     if (const auto moved = change.moved.find(id); moved != change.moved.end()) id = moved->second;
@@ -170,18 +88,18 @@ Problem PresetLibrary::Impl::Undo() {
     for (PresetMark& mark : earlier.marks)
       follow(mark.id);
   }
-  Refresh();
+  catalogue.Show(store);
   return std::nullopt;
 }
 
 PresetEdit PresetLibrary::Impl::NewPreset(const std::string& name, const Settings& look) const {
-  return {FreshIdFor(name, FactoryIds()), std::nullopt, BytesOf(name, look)};
+  return {FreshIdFor(name, catalogue.FactoryIds()), std::nullopt, BytesOf(name, look)};
 }
 
 Problem PresetLibrary::Impl::CheckName(std::string& name, std::string_view except) const {
   name = TidyPresetName(name);
   if (name.empty()) return "A preset needs a name.";
-  for (const Preset& preset : presets)
+  for (const Preset& preset : catalogue.Presets())
     if (preset.id != except && Folded(preset.name) == Folded(name))
       return "There is already a preset called \"" + preset.name + "\".";
   return std::nullopt;
@@ -196,7 +114,7 @@ Problem PresetLibrary::Impl::Rewrite(const Preset& preset, std::string text,
 
 void PresetLibrary::Impl::RestoreOne(const std::string& id, const StoredPreset& changed,
                                      PresetChange& change, std::set<std::string>& taken) const {
-  const NamedLook& original = factory.at(id).preset;
+  const NamedLook& original = catalogue.Factory().at(id).preset;
   if (!SamePreset(original, changed.preset)) {
     std::string name = changed.preset.name;
     if (Folded(name) == Folded(original.name)) name = FreshNameFor(name, taken);
@@ -207,8 +125,6 @@ void PresetLibrary::Impl::RestoreOne(const std::string& id, const StoredPreset& 
   }
   change.edits.push_back({id, changed.bytes, std::nullopt});
 }
-
-// ---- The interface ----
 
 namespace {
 
@@ -233,27 +149,29 @@ PresetLibrary::PresetLibrary(Folders folders) : impl_(std::make_unique<Impl>(std
 PresetLibrary::~PresetLibrary() = default;
 
 std::vector<std::string> PresetLibrary::Load() {
-  return impl_->Load();
+  impl_->catalogue.LoadFactory(impl_->factoryFolder);
+  std::vector<std::string> lines = impl_->store.Load();
+  for (const auto& [id, line] : impl_->catalogue.Unreadable())
+    lines.push_back(line);
+  impl_->catalogue.Show(impl_->store);
+  return lines;
 }
 
 std::span<const Preset> PresetLibrary::Presets() const {
-  return impl_->presets;
+  return impl_->catalogue.Presets();
 }
 
 const Preset* PresetLibrary::Find(std::string_view id) const {
-  return impl_->Find(id);
+  return impl_->catalogue.Find(id);
 }
 
 const Preset* PresetLibrary::FindByName(std::string_view name) const {
-  const std::string wanted = Folded(TidyPresetName(name));
-  for (const Preset& preset : impl_->presets)
-    if (Folded(preset.name) == wanted) return &preset;
-  return impl_->Find(name);
+  return impl_->catalogue.FindByName(name);
 }
 
 const std::string* PresetLibrary::Unreadable(std::string_view name) const {
   const std::map<std::string, std::string>* const all[] = {&impl_->store.Unreadable(),
-                                                           &impl_->unreadableFactory};
+                                                           &impl_->catalogue.Unreadable()};
   for (const std::string& id : {Folded(name), FreshIdFor(name, {})})
     for (const auto* const lines : all)
       if (const auto line = lines->find(id); line != lines->end()) return &line->second;
@@ -261,7 +179,7 @@ const std::string* PresetLibrary::Unreadable(std::string_view name) const {
 }
 
 std::string PresetLibrary::FreshName(std::string_view wish) const {
-  return FreshNameFor(wish, impl_->names);
+  return FreshNameFor(wish, impl_->catalogue.Names());
 }
 
 Problem PresetLibrary::Add(std::string_view name, const Settings& look, std::string* id) {
@@ -299,7 +217,8 @@ Problem PresetLibrary::Remove(std::string_view id) {
   PresetChange change{Quoted("Delete", preset->name), {}, {}, {}};
   if (const auto bytes = impl_->BytesOnDisk(preset->id))
     change.edits.push_back({preset->id, bytes, std::nullopt});
-  if (impl_->factory.contains(preset->id)) change.marks.push_back({Kind::Hidden, preset->id, true});
+  if (impl_->catalogue.Factory().contains(preset->id))
+    change.marks.push_back({Kind::Hidden, preset->id, true});
   if (preset->favourite) change.marks.push_back({Kind::Favourite, preset->id, false});
   return impl_->Make(std::move(change));
 }
@@ -316,13 +235,13 @@ Problem PresetLibrary::SetFavourite(std::string_view id, bool favourite) {
 
 Problem PresetLibrary::RestoreFactory() {
   PresetChange change{"Restore Factory Presets", {}, {}, {}};
-  std::set<std::string> taken = impl_->names;
-  for (const auto& [id, original] : impl_->factory) {
+  std::set<std::string> taken = impl_->catalogue.Names();
+  for (const auto& [id, original] : impl_->catalogue.Factory()) {
     taken.insert(Folded(original.preset.name));
     if (impl_->store.IsMarked(Kind::Hidden, id)) change.marks.push_back({Kind::Hidden, id, false});
   }
   for (const auto& [id, own] : impl_->store.Files())
-    if (impl_->factory.contains(id)) impl_->RestoreOne(id, own, change, taken);
+    if (impl_->catalogue.Factory().contains(id)) impl_->RestoreOne(id, own, change, taken);
   if (change.edits.empty() && change.marks.empty()) return std::nullopt;
   return impl_->Make(std::move(change));
 }
@@ -340,7 +259,7 @@ Problem PresetLibrary::Import(const fs::path& file, std::vector<std::string>* ad
   const auto read = ReadPresetFile(file, problem);
   if (!read) return problem;
   PresetChange change{Quoted("Import", Printable(file.filename().string())), {}, {}, {}};
-  std::set<std::string> taken = impl_->names;
+  std::set<std::string> taken = impl_->catalogue.Names();
   for (const NamedLook& preset : *read) {
     const std::string name = FreshNameFor(preset.name, taken);
     taken.insert(Folded(name));

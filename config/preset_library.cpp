@@ -5,9 +5,11 @@
 #include "config/preset_names.h"
 #include "config/preset_store.h"
 
+#include <glib.h>
+
 #include <cstdlib>
 #include <deque>
-#include <glib.h>
+#include <map>
 #include <set>
 #include <system_error>
 #include <utility>

@@ -30,7 +30,7 @@ constexpr std::size_t kMostKept = 128; // records, more than six seconds
 
 // Half of it becomes the latency of the device: a compromise between being early enough and waking
 // the device too often.
-constexpr std::uint32_t kFragment = kAnalysisRate / 1000 * 30 * 2 * sizeof(float);
+constexpr std::uint32_t kFragment = kAnalysisRate / 1000 * 20 * 2 * sizeof(float);
 
 /// Gain is applied, and peaks are found, in pieces of 10 ms.
 constexpr std::size_t kPiece = 441;

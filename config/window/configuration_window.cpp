@@ -8,6 +8,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QSplitter>
 #include <QtWidgets/QVBoxLayout>
 
 namespace halvenor {
@@ -17,19 +18,24 @@ constexpr QSize kFirstSize(1080, 700);
 
 } // namespace
 
-ConfigurationWindow::ConfigurationWindow(LiveSettings& live)
-    : QWidget(nullptr, Qt::Window), live_(live), messages_(new MessageLine) {
+ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetPlayer& player)
+    : QWidget(nullptr, Qt::Window), live_(live), player_(player),
+      presets_(new PresetPanel(player, live)), messages_(new MessageLine) {
   setObjectName(QStringLiteral("halvenorConfiguration"));
   setWindowTitle(tr("Halvenor Settings"));
   setAttribute(Qt::WA_QuitOnClose, false);
   MakeContents();
-  connect(&live_, &LiveSettings::Told, this, &ConfigurationWindow::Tell);
   resize(kFirstSize.boundedTo(screen()->availableSize() * 0.9));
 }
 
 void ConfigurationWindow::MakeContents() {
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(new SettingsPage(live_), 1);
+  auto* sides = new QSplitter;
+  sides->setChildrenCollapsible(false);
+  sides->addWidget(presets_);
+  sides->addWidget(new SettingsPage(live_));
+  sides->setStretchFactor(1, 1);
+  layout->addWidget(sides, 1);
   layout->addWidget(messages_);
   layout->addWidget(MakeButtons());
 }
@@ -60,6 +66,7 @@ QWidget* ConfigurationWindow::MakeButtons() {
 }
 
 void ConfigurationWindow::OpenInFront() {
+  if (!isVisible()) player_.Load();
   if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
   show();
   raise();
@@ -69,6 +76,7 @@ void ConfigurationWindow::OpenInFront() {
 void ConfigurationWindow::Remember() {
   live_.Flush();
   before_ = live_.Present();
+  wasSwitching_ = player_.IsSwitching();
 }
 
 bool ConfigurationWindow::Save() {
@@ -91,9 +99,10 @@ bool ConfigurationWindow::Save() {
 }
 
 void ConfigurationWindow::Cancel() {
-  live_.StopSwitching();
+  live_.StopSwitching(); // a smooth change, too
   if (before_) live_.Edit([before = *before_](Settings& settings) { settings = before; });
   live_.Flush();
+  player_.SetSwitching(wasSwitching_);
   hide();
 }
 
@@ -111,6 +120,7 @@ void ConfigurationWindow::hideEvent(QHideEvent* event) {
   if (event->spontaneous()) return;
   qApp->removeEventFilter(this);
   live_.Watch(false);
+  presets_->StopPictures();
 }
 
 void ConfigurationWindow::changeEvent(QEvent* event) {

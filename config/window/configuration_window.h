@@ -3,6 +3,8 @@
 
 #include "config/window/live_settings.h"
 #include "config/window/message_line.h"
+#include "config/window/preset_panel.h"
+#include "config/window/preset_player.h"
 
 #include <QtWidgets/QWidget>
 
@@ -17,7 +19,8 @@ class ConfigurationWindow final : public QWidget {
   Q_OBJECT
 
 public:
-  explicit ConfigurationWindow(LiveSettings& live);
+  /// Both outlive this object.
+  ConfigurationWindow(LiveSettings& live, PresetPlayer& player);
 
   /// Opens it, or brings it to the front.
   void OpenInFront();
@@ -42,8 +45,11 @@ private:
   void WatchWhileSeen();
 
   LiveSettings& live_;
+  PresetPlayer& player_;
+  PresetPanel* presets_;
   MessageLine* messages_;
   std::optional<Settings> before_; ///< what Cancel puts back
+  bool wasSwitching_ = false;      ///< and this
   bool refused_ = false;           ///< the last attempt to close could not store
 };
 

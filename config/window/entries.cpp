@@ -1,6 +1,8 @@
 // What the module exports; see protocol/configuration_entries.h.
 #include "config/window/configuration_window.h"
 #include "config/window/live_settings.h"
+#include "config/window/module_paths.h"
+#include "config/window/preset_player.h"
 #include "platform/carbon.h"
 #include "protocol/configuration_entries.h"
 
@@ -19,6 +21,8 @@ namespace {
 /// The initialiser's status where no window can be: no `QApplication` runs, this is not its thread,
 /// or its Qt is older than the one that the module was made with.
 constexpr Status kNoApplication = 1002;
+/// The status of `AddPreset` when the look could not be kept; the window says why.
+constexpr Status kNotKept = 1003;
 
 bool CanShowWindows() {
   const auto* application = qobject_cast<QApplication*>(QCoreApplication::instance());
@@ -26,22 +30,50 @@ bool CanShowWindows() {
          QLibraryInfo::version() >= QVersionNumber(QT_VERSION_MAJOR, QT_VERSION_MINOR);
 }
 
+void Log(const std::string& line) {
+  const std::size_t length = std::min<std::size_t>(line.size(), 255);
+  std::basic_string<unsigned char> text(1, static_cast<unsigned char>(length));
+  text.append(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(length));
+  DebugStr(text.data());
+}
+
 // Everything that lives here, from the first need to the end of the application.
 class Configuration {
 public:
   LiveSettings live;
+  PresetPlayer player{
+      live, {PresetLibrary::DefaultFolder(), PresetLibrary::FactoryFolder(PluginBundlePath())}};
 
-  ConfigurationWindow& Window() {
-    if (!window_) window_ = std::make_unique<ConfigurationWindow>(live);
-    return *window_;
+  Configuration() {
+    QObject::connect(&live, &LiveSettings::Told, &live,
+                     [this](const QString& line) { Tell(line); });
   }
-
   ~Configuration() {
     if (window_ && window_->isVisible()) window_->Save();
   }
 
+  ConfigurationWindow& Window() {
+    if (!window_) {
+      window_ = std::make_unique<ConfigurationWindow>(live, player);
+      for (const QString& line : std::exchange(untold_, {}))
+        window_->Tell(line);
+    }
+    return *window_;
+  }
+
 private:
+  // What nobody sees now goes to the log, and waits in the window.
+  void Tell(const QString& line) {
+    if (!window_ || !window_->isVisible()) Log(line.toStdString());
+    if (window_) {
+      window_->Tell(line);
+    } else {
+      untold_.append(line);
+    }
+  }
+
   std::unique_ptr<ConfigurationWindow> window_;
+  QStringList untold_;
 };
 
 std::unique_ptr<Configuration> configuration;
@@ -56,13 +88,6 @@ void Begin() {
   // Whichever comes first: a host may destroy its application without having run it.
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, &configuration->live, End);
   qAddPostRoutine(End);
-}
-
-void Log(const std::string& line) {
-  const std::size_t length = std::min<std::size_t>(line.size(), 255);
-  std::basic_string<unsigned char> text(1, static_cast<unsigned char>(length));
-  text.append(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(length));
-  DebugStr(text.data());
 }
 
 } // namespace
@@ -87,7 +112,8 @@ __attribute__((visibility("default"))) Status orderWindowFront() {
 }
 
 __attribute__((visibility("default"))) Status AddPreset() {
-  return configuration ? status::kOk : kNoApplication;
+  if (!configuration) return kNoApplication;
+  return configuration->player.AddPresent() ? status::kOk : kNotKept;
 }
 
 __attribute__((visibility("default"))) Status SwitchToManual() {

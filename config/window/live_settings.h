@@ -41,6 +41,7 @@ public:
   void StopSwitching();
   void SetInterval(double interval) { switcher_.SetInterval(interval); }
   [[nodiscard]] bool IsSwitching() const { return switcher_.IsSwitching(); }
+  [[nodiscard]] bool IsBlending() const { return switcher_.IsBlending(); }
 
 signals:
   /// `Present` has another value.

@@ -48,11 +48,11 @@ SettingsPage::SettingsPage(LiveSettings& live) : live_(live) {
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::NoFocus);
   setWidget(new QWidget);
-  auto* row = new QHBoxLayout(widget());
+  auto* side = new QHBoxLayout(widget());
   for (QBoxLayout*& column : columns_) {
     column = new QVBoxLayout;
     column->addStretch();
-    row->addLayout(column, 1);
+    side->addLayout(column, 1);
   }
   std::set<std::string_view> placed;
   for (const Group& row : kGroups) {

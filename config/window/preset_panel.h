@@ -1,0 +1,80 @@
+// The presets side of the window.
+#pragma once
+
+#include "config/window/preset_list.h"
+#include "config/window/preset_model.h"
+#include "config/window/preset_pictures.h"
+#include "config/window/preset_player.h"
+
+#include <QtGui/QAction>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QRadioButton>
+#include <QtWidgets/QToolButton>
+
+namespace halvenor {
+
+/// The list with its search, what can be done with presets, and how they switch.
+class PresetPanel final : public QWidget {
+  Q_OBJECT
+
+public:
+  /// Both outlive this object.
+  PresetPanel(PresetPlayer& player, LiveSettings& live);
+
+  /// Nobody sees it: no pictures are made.
+  void StopPictures() { pictures_.Stop(); }
+
+private:
+  struct ActionRow;
+  static const ActionRow kActions[];
+
+  void MakeActions();
+  QLayout* MakeSearch();
+  QLayout* MakeButtons();
+  QWidget* MakeSwitching();
+  void UpdateActions();
+  void UpdateSwitching();
+  void ReadSwitching();
+  void Tell(const QString& line);
+
+  void Previous() { player_.Step(-1); }
+  void Next() { player_.Step(1); }
+  void Random() { player_.ChooseRandom(); }
+  void Add();
+  void Rename();
+  void Duplicate();
+  void Replace();
+  void Favourite();
+  void Delete();
+  void Undo();
+  void RestoreFactory();
+  void Import();
+  void ExportThis();
+  void ExportAll();
+  void Find();
+
+  void Export(const QString& suggestion, std::vector<std::string> ids);
+
+  PresetPlayer& player_;
+  LiveSettings& live_;
+  PresetPictures pictures_;
+  PresetModel model_;
+  PresetFilter filter_;
+  PresetList* list_;
+  QLineEdit* search_ = nullptr;
+  QToolButton* favouritesShown_ = nullptr;
+  QMenu* menu_ = nullptr;
+  std::vector<QAction*> actions_; ///< as in `kActions`
+  QAction* undo_ = nullptr;
+  QRadioButton* manual_ = nullptr;
+  QRadioButton* byItself_ = nullptr;
+  QDoubleSpinBox* interval_ = nullptr;
+  QDoubleSpinBox* smooth_ = nullptr;
+  QCheckBox* random_ = nullptr;
+  QCheckBox* favouritesOnly_ = nullptr;
+};
+
+} // namespace halvenor

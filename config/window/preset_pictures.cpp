@@ -1,0 +1,125 @@
+#include "config/window/preset_pictures.h"
+
+#include "config/window/module_paths.h"
+
+#include <QtCore/QCryptographicHash>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QStandardPaths>
+#include <QtGui/QImageReader>
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace halvenor {
+namespace {
+
+constexpr int kKeptPictures = 400;
+constexpr int kMostWishes = 60;
+constexpr int kLowestPriority = 19;
+// Another one whenever pictures of the same look would come out differently.
+constexpr char kRecipe[] = "1";
+
+QString FileName(const Settings& look) {
+  QCryptographicHash hash(QCryptographicHash::Sha1);
+  hash.addData(QByteArrayView(kRecipe));
+  for (const SettingField& field : SettingFields()) {
+    if (field.look) hash.addData(QByteArray::fromStdString(ToText(look, field) + '\n'));
+  }
+  return QString::fromLatin1(hash.result().toHex()) + QStringLiteral(".png");
+}
+
+// The strokes of what is loud in the built-in tune, as for the presets that come with the program.
+QStringList Arguments(const Settings& look, const QString& output,
+                      const std::filesystem::path& program) {
+  const std::filesystem::path tune =
+      program.parent_path().parent_path() / "share/halvenor/halvenor-demo.opus";
+  QStringList arguments{"--quiet", "--size", "320x180",    "--fps", "30",
+                        "--start", "20",     "--duration", "2"};
+  for (const SettingField& field : SettingFields()) {
+    if (!field.look) continue;
+    arguments << QStringLiteral("--set")
+              << QString::fromStdString(std::string(field.name) + '=' + ToText(look, field));
+  }
+  return arguments << QStringLiteral("-o") << output << QString::fromStdString(tune.string());
+}
+
+} // namespace
+
+PresetPictures::PresetPictures(std::function<bool(const std::string&)> isWanted)
+    : isWanted_(std::move(isWanted)),
+      folder_(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+              QStringLiteral("/halvenor/presets/")),
+      read_(kKeptPictures) {
+  render_.setStandardInputFile(QProcess::nullDevice());
+  render_.setStandardOutputFile(QProcess::nullDevice());
+  render_.setStandardErrorFile(QProcess::nullDevice());
+  connect(&render_, &QProcess::finished, this, &PresetPictures::OnRendered);
+  render_.setChildProcessModifier([] { [[maybe_unused]] const int is = nice(kLowestPriority); });
+}
+
+PresetPictures::~PresetPictures() {
+  render_.disconnect(this);
+  if (render_.state() == QProcess::NotRunning) return;
+  render_.kill();
+  render_.waitForFinished();
+}
+
+QPixmap PresetPictures::Find(const Preset& preset) {
+  const bool came = !preset.picture.empty();
+  const QString file =
+      came ? QString::fromStdString(preset.picture.string()) : folder_ + FileName(preset.look);
+  if (const QPixmap* read = read_.object(file)) return *read;
+  if (failed_.contains(file)) return {};
+  if (const QPixmap picture = Read(file); !picture.isNull()) return picture;
+  if (came) {
+    failed_.insert(file);
+    return {};
+  }
+  std::erase_if(wishes_, [&](const Wish& wish) { return wish.file == file; });
+  wishes_.push_back({preset.id, preset.look, file});
+  if (wishes_.size() > kMostWishes) wishes_.erase(wishes_.begin());
+  if (render_.state() == QProcess::NotRunning) RenderNext();
+  return {};
+}
+
+QPixmap PresetPictures::Read(const QString& file) {
+  QImageReader reader(file);
+  if (!reader.canRead()) return {};
+  reader.setScaledSize(kSize);
+  const QImage image = reader.read();
+  if (image.isNull()) return {};
+  auto* picture = new QPixmap(QPixmap::fromImage(image));
+  const QPixmap result = *picture;
+  read_.insert(file, picture);
+  return result;
+}
+
+void PresetPictures::Stop() {
+  wishes_.clear();
+}
+
+void PresetPictures::RenderNext() {
+  while (!wishes_.empty()) {
+    const Wish wish = wishes_.back();
+    wishes_.pop_back();
+    if (!isWanted_(wish.id)) continue;
+    const std::filesystem::path program = ProgramPath("halvenor-render");
+    if (program.empty() || !QDir().mkpath(folder_)) return;
+    rendering_ = wish;
+    render_.start(QString::fromStdString(program.string()),
+                  Arguments(wish.look, wish.file, program));
+    return;
+  }
+}
+
+void PresetPictures::OnRendered() {
+  if (QFile::exists(rendering_.file)) {
+    emit Ready(rendering_.id);
+  } else {
+    failed_.insert(rendering_.file);
+  }
+  RenderNext();
+}
+
+} // namespace halvenor

@@ -3,7 +3,7 @@
 
 namespace {
 
-const void* lastBundle = nullptr;
+CFBundleRef lastBundle = nullptr;
 
 } // namespace
 
@@ -22,6 +22,6 @@ extern "C" [[gnu::visibility("default")]] char ProbeResources(const char* identi
   return fits ? '+' : 's';
 }
 
-extern "C" [[gnu::visibility("default")]] const void* ProbeBundle() {
+extern "C" [[gnu::visibility("default")]] CFBundleRef ProbeBundle() {
   return lastBundle;
 }

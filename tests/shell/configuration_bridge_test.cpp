@@ -270,8 +270,8 @@ TEST_F(ConfigurationBridge, TheRecordMayGoAnywhere) {
   // The host has a block to read although it released the record meanwhile.
   host_.Init();
   host_.inside[request::kSetPluginData] = [this] {
-    auto* const settings = &host_.Record()->settings;
-    EXPECT_NE(host_.lastRequest.body.pluginData.data, settings);
+    const void* const block = host_.lastRequest.body.pluginData.data;
+    EXPECT_NE(block, &host_.Record()->settings);
     Gone();
   };
   host_.answers[request::kSetPluginData] = -34;

@@ -22,7 +22,7 @@ typedef const struct HalvenorUrl* CFURLRef;
 typedef const struct HalvenorAllocator* CFAllocatorRef;
 
 /// The one allocator there is.
-static const CFAllocatorRef kCFAllocatorDefault = 0;
+static const CFAllocatorRef kCFAllocatorDefault = nullptr;
 
 /// The bundle called `identifier` that the calling module belongs to, found from that module's own
 /// file upwards; null when the module lies in no such bundle.

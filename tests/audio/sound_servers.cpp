@@ -49,8 +49,11 @@ bool TestSoundServer::Start() {
   if (kind_ == Kind::PipeWire &&
       !Control("load-module module-null-sink media.class=Audio/Source/Virtual sink_name=mic"))
     return false;
-  return Control("set-default-source mic") && Control("set-default-sink alpha") &&
-         Eventually([&] { return Ask("get-default-sink") == "alpha\n"; });
+  // New devices are known to one part of the server before they are to the other.
+  return Eventually([&] {
+    return Control("set-default-source mic") && Control("set-default-sink alpha") &&
+           Ask("get-default-sink") == "alpha\n";
+  });
 }
 
 void TestSoundServer::Kill() {

@@ -6,7 +6,7 @@
 #include <QtGui/QScreen>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QVBoxLayout>
@@ -32,37 +32,39 @@ void ConfigurationWindow::MakeContents() {
   auto* layout = new QVBoxLayout(this);
   auto* sides = new QSplitter;
   sides->setChildrenCollapsible(false);
+  sides->setFocusPolicy(Qt::NoFocus);
   sides->addWidget(presets_);
   sides->addWidget(new SettingsPage(live_));
   sides->setStretchFactor(1, 1);
   layout->addWidget(sides, 1);
   layout->addWidget(messages_);
-  layout->addWidget(MakeButtons());
+  layout->addLayout(MakeButtons());
+  presets_->setFocus();
 }
 
-QWidget* ConfigurationWindow::MakeButtons() {
-  auto* buttons = new QDialogButtonBox;
+QLayout* ConfigurationWindow::MakeButtons() {
+  auto* row = new QHBoxLayout;
+  row->addStretch();
   const auto add = [&](const QString& text, const QString& name, const QString& help,
-                       QDialogButtonBox::ButtonRole role, const QKeySequence& keys, auto act) {
-    QPushButton* button = buttons->addButton(text, role);
+                       const QKeySequence& keys, auto act) {
+    auto* button = new QPushButton(text);
     button->setObjectName(name);
-    button->setAutoDefault(false);
     button->setToolTip(
         QStringLiteral("%1 (%2)").arg(help, keys.toString(QKeySequence::NativeText)));
+    row->addWidget(button);
     connect(button, &QPushButton::clicked, this, act);
-    connect(new QShortcut(keys, this), &QShortcut::activated, button,
-            [button] { button->click(); });
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
   };
   add(tr("&Save"), QStringLiteral("save"), tr("Keep these settings for the next time"),
-      QDialogButtonBox::ApplyRole, QKeySequence::Save, [this] {
+      QKeySequence::Save, [this] {
         if (Save()) Tell(tr("The settings are saved."));
       });
   add(tr("&Cancel"), QStringLiteral("cancel"),
-      tr("Put back the settings that were there before, and close"), QDialogButtonBox::RejectRole,
-      tr("Ctrl+Backspace"), [this] { Cancel(); });
-  add(tr("C&lose"), QStringLiteral("close"), tr("Keep these settings, and close"),
-      QDialogButtonBox::AcceptRole, Qt::Key_Escape, [this] { close(); });
-  return buttons;
+      tr("Put back the settings that were there before, and close"), tr("Ctrl+Backspace"),
+      [this] { Cancel(); });
+  add(tr("Close"), QStringLiteral("close"), tr("Keep these settings, and close"), Qt::Key_Escape,
+      [this] { close(); });
+  return row;
 }
 
 void ConfigurationWindow::OpenInFront() {

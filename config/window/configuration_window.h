@@ -40,7 +40,7 @@ protected:
 
 private:
   void MakeContents();
-  QWidget* MakeButtons();
+  QLayout* MakeButtons();
   void Remember();
   void WatchWhileSeen();
 

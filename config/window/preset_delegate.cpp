@@ -60,11 +60,14 @@ void PaintStar(QPainter& painter, const QRect& in, bool filled) {
 
 } // namespace
 
-QSize PresetDelegate::CellSize(const QFont& font) {
-  const int width = QFontMetrics(font).averageCharWidth() * 20 + 2 * kMargin;
+int PresetDelegate::LeastWidth(const QFont& font) {
+  return QFontMetrics(font).averageCharWidth() * 20;
+}
+
+int PresetDelegate::HeightFor(int width, const QFont& font) {
   const int picture =
       (width - 2 * kMargin) * PresetPictures::kSize.height() / PresetPictures::kSize.width();
-  return {width, kMargin + picture + NameHeight(font)};
+  return kMargin + picture + NameHeight(font);
 }
 
 QRect PresetDelegate::StarRect(const QRect& cell, const QFont& font) {
@@ -92,7 +95,9 @@ void PresetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
   painter->setClipPath(frame);
   const QPixmap pixmap = index.data(PresetModel::kPicture).value<QPixmap>();
   if (pixmap.isNull()) {
-    painter->fillRect(picture, palette.brush(QPalette::Midlight));
+    QColor neutral = palette.color(QPalette::Text);
+    neutral.setAlphaF(0.12F);
+    painter->fillRect(picture, neutral);
   } else {
     painter->drawPixmap(picture, pixmap);
   }
@@ -121,10 +126,6 @@ void PresetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     focus.backgroundColor = palette.color(selected ? QPalette::Highlight : QPalette::Base);
     QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, option.widget);
   }
-}
-
-QSize PresetDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
-  return CellSize(option.font);
 }
 
 QWidget* PresetDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,

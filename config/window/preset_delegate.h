@@ -11,18 +11,25 @@ class PresetDelegate final : public QStyledItemDelegate {
 public:
   using QStyledItemDelegate::QStyledItemDelegate;
 
-  /// The size of every cell in `font`.
-  static QSize CellSize(const QFont& font);
+  /// The least width of a cell in `font`, and the height of one that is `width` wide.
+  static int LeastWidth(const QFont& font);
+  static int HeightFor(int width, const QFont& font);
   /// Where the star of a cell is, for clicks.
   static QRect StarRect(const QRect& cell, const QFont& font);
 
+  /// The size of every cell from now on.
+  void SetCell(const QSize& cell) { cell_ = cell; }
+
   void paint(QPainter* painter, const QStyleOptionViewItem& option,
              const QModelIndex& index) const override;
-  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override { return cell_; }
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const override;
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const override;
+
+private:
+  QSize cell_;
 };
 
 } // namespace halvenor

@@ -1,26 +1,25 @@
 #include "config/window/preset_list.h"
 
-#include "config/window/preset_delegate.h"
-
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QScrollBar>
+
+#include <algorithm>
 
 namespace halvenor {
 
 PresetList::PresetList(PresetPlayer& player, PresetModel& model, PresetFilter& filter)
-    : model_(model), filter_(filter) {
+    : model_(model), filter_(filter), delegate_(new PresetDelegate(this)) {
   setObjectName(QStringLiteral("presets"));
   setAccessibleName(tr("Presets"));
   setViewMode(IconMode);
   setMovement(Static);
   setResizeMode(Adjust);
   setUniformItemSizes(true);
-  setGridSize(PresetDelegate::CellSize(font()));
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   setEditTriggers(EditKeyPressed);
   setMouseTracking(true);
-  setItemDelegate(new PresetDelegate(this));
+  setItemDelegate(delegate_);
   connect(&filter_, &QAbstractItemModel::modelAboutToBeReset, this, [this] {
     if (kept_.empty()) kept_ = CurrentId();
     keptScroll_ = verticalScrollBar()->value();
@@ -53,6 +52,16 @@ void PresetList::SetCurrentId(const std::string& id) {
 bool PresetList::IsSeen(const std::string& id) const {
   const QModelIndex index = filter_.mapFromSource(model_.IndexOf(id));
   return isVisible() && index.isValid() && visualRect(index).intersects(viewport()->rect());
+}
+
+// As many columns as fit, over the whole width.
+void PresetList::resizeEvent(QResizeEvent* event) {
+  const int room = viewport()->width() - 1; // the view wraps at its very edge
+  const int columns = std::max(1, room / PresetDelegate::LeastWidth(font()));
+  const int width = room / columns;
+  delegate_->SetCell({width, PresetDelegate::HeightFor(width, font())});
+  setGridSize({width, PresetDelegate::HeightFor(width, font())});
+  QListView::resizeEvent(event);
 }
 
 bool PresetList::ClickedStar(const QMouseEvent& event) {

@@ -1,6 +1,7 @@
 // The view of the presets.
 #pragma once
 
+#include "config/window/preset_delegate.h"
 #include "config/window/preset_model.h"
 
 #include <QtWidgets/QListView>
@@ -24,6 +25,7 @@ public:
   [[nodiscard]] bool IsSeen(const std::string& id) const;
 
 protected:
+  void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -33,6 +35,7 @@ private:
 
   PresetModel& model_;
   PresetFilter& filter_;
+  PresetDelegate* delegate_;
   std::string kept_;
   int keptScroll_ = 0;
   bool onStar_ = false;

@@ -35,13 +35,13 @@ const PresetPanel::ActionRow PresetPanel::kActions[] = {
     {"add", HALVENOR_TEXT("Add the Present Look"), "Ctrl+N", &PresetPanel::Add, false, 1,
      HALVENOR_TEXT("&Add")},
     {"duplicate", HALVENOR_TEXT("Duplicate"), "Ctrl+D", &PresetPanel::Duplicate, true, 1,
-     HALVENOR_TEXT("D&uplicate")},
+     HALVENOR_TEXT("Dupl&icate")},
     {"rename", HALVENOR_TEXT("Rename"), "F2", &PresetPanel::Rename, true},
     {"replace", HALVENOR_TEXT("Replace by the Present Look"), "", &PresetPanel::Replace, true},
     {"favourite", HALVENOR_TEXT("Favourite"), "Ctrl+B", &PresetPanel::Favourite, true},
     {"delete", HALVENOR_TEXT("Delete"), "Del", &PresetPanel::Delete, true, 1,
      HALVENOR_TEXT("D&elete"), true},
-    {"undo", HALVENOR_TEXT("Undo"), "Ctrl+Z", &PresetPanel::Undo, false},
+    {"undo", HALVENOR_TEXT("Undo"), "Ctrl+Z", &PresetPanel::Undo, false, 1, HALVENOR_TEXT("Und&o")},
     {"restoreFactory", HALVENOR_TEXT("Restore Factory Presets"), "", &PresetPanel::RestoreFactory,
      false, -1, nullptr, true},
     {"import", HALVENOR_TEXT("Import..."), "Ctrl+O", &PresetPanel::Import, false},
@@ -64,7 +64,8 @@ PresetPanel::PresetPanel(PresetPlayer& player, LiveSettings& live)
   layout->addLayout(MakeButtons());
   layout->addWidget(MakeSwitching());
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-  list_->setMinimumSize(list_->gridSize().width() + bar + 8, list_->gridSize().height());
+  const int cell = PresetDelegate::LeastWidth(font());
+  list_->setMinimumSize(cell + bar + 8, PresetDelegate::HeightFor(cell, font()));
   connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
           &PresetPanel::UpdateActions);
   connect(&filter_, &QAbstractItemModel::modelReset, this, &PresetPanel::UpdateActions);
@@ -74,6 +75,7 @@ PresetPanel::PresetPanel(PresetPlayer& player, LiveSettings& live)
   });
   UpdateActions();
   UpdateSwitching();
+  setFocusProxy(list_);
 }
 
 void PresetPanel::MakeActions() {
@@ -130,6 +132,7 @@ QLayout* PresetPanel::MakeButtons() {
     button->setToolTip(actions_[i]->toolTip());
     connect(button, &QPushButton::clicked, actions_[i], &QAction::trigger);
     connect(actions_[i], &QAction::enabledChanged, button, &QWidget::setEnabled);
+    button->setEnabled(actions_[i]->isEnabled());
     rows->addWidget(button, row.row, places[row.row]++);
   }
   auto* more = new QPushButton(tr("&More"));
@@ -144,10 +147,10 @@ QWidget* PresetPanel::MakeSwitching() {
   auto* group = new QGroupBox(tr("Changing Presets"));
   auto* grid = new QGridLayout(group);
   manual_ = new QRadioButton(tr("Manua&l"));
-  byItself_ = new QRadioButton(tr("By &itself, every"));
+  byItself_ = new QRadioButton(tr("B&y itself, every"));
   interval_ = new QDoubleSpinBox;
   smooth_ = new QDoubleSpinBox;
-  random_ = new QCheckBox(tr("Random &order"));
+  random_ = new QCheckBox(tr("Random or&der"));
   favouritesOnly_ = new QCheckBox(tr("Fa&vourites only"));
   const struct {
     QWidget* widget;

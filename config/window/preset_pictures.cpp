@@ -6,7 +6,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
-#include <QtGui/QImageReader>
 
 #include <algorithm>
 #include <unistd.h>
@@ -29,19 +28,34 @@ QString FileName(const Settings& look) {
   return QString::fromLatin1(hash.result().toHex()) + QStringLiteral(".png");
 }
 
-// The strokes of what is loud in the built-in tune, as for the presets that come with the program.
+// As the pictures of the factory presets are made.
 QStringList Arguments(const Settings& look, const QString& output,
                       const std::filesystem::path& program) {
   const std::filesystem::path tune =
       program.parent_path().parent_path() / "share/halvenor/halvenor-demo.opus";
-  QStringList arguments{"--quiet", "--size", "320x180",    "--fps", "30",
-                        "--start", "20",     "--duration", "2"};
+  QStringList arguments{"--quiet",
+                        "--set",
+                        "showFrameRate=off",
+                        "--set",
+                        "numFrequencyLabels=0",
+                        "--set",
+                        "trackTextDuration=0"};
+  arguments << "--size"
+            << QStringLiteral("%1x%2")
+                   .arg(PresetPictures::kSize.width())
+                   .arg(PresetPictures::kSize.height())
+            << "--fps"
+            << "60"
+            << "--start"
+            << "41"
+            << "--duration"
+            << "5";
   for (const SettingField& field : SettingFields()) {
     if (!field.look) continue;
-    arguments << QStringLiteral("--set")
+    arguments << "--set"
               << QString::fromStdString(std::string(field.name) + '=' + ToText(look, field));
   }
-  return arguments << QStringLiteral("-o") << output << QString::fromStdString(tune.string());
+  return arguments << "--output" << output << QString::fromStdString(tune.string());
 }
 
 } // namespace
@@ -84,15 +98,9 @@ QPixmap PresetPictures::Find(const Preset& preset) {
 }
 
 QPixmap PresetPictures::Read(const QString& file) {
-  QImageReader reader(file);
-  if (!reader.canRead()) return {};
-  reader.setScaledSize(kSize);
-  const QImage image = reader.read();
-  if (image.isNull()) return {};
-  auto* picture = new QPixmap(QPixmap::fromImage(image));
-  const QPixmap result = *picture;
-  read_.insert(file, picture);
-  return result;
+  const QPixmap picture(file);
+  if (!picture.isNull()) read_.insert(file, new QPixmap(picture));
+  return picture;
 }
 
 void PresetPictures::Stop() {

@@ -23,7 +23,7 @@ class PresetPictures final : public QObject {
 
 public:
   /// The shape of every picture.
-  static constexpr QSize kSize{320, 180};
+  static constexpr QSize kSize{240, 135};
 
   /// `isWanted` tells whether the picture of the preset with this id is still looked at.
   explicit PresetPictures(std::function<bool(const std::string& id)> isWanted);

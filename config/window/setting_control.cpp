@@ -112,7 +112,7 @@ private:
     slider_->setRange(0, steps_);
     slider_->setSingleStep(std::max(1, steps_ / 100));
     slider_->setPageStep(std::max(1, steps_ / 10));
-    slider_->setMinimumWidth(slider_->fontMetrics().averageCharWidth() * 12);
+    slider_->setMinimumWidth(slider_->fontMetrics().averageCharWidth() * 8);
     NameWidget(slider_, field, QStringLiteral(".slider"));
     row->addWidget(slider_, 1);
     connect(slider_, &QSlider::valueChanged, this, [this](int step) {
@@ -158,12 +158,12 @@ constexpr Measure kMeasures[] = {
     {"trackTextDuration", [](double value) { return value / 1000; },
      [](double shown) { return shown * 1000; }, 0, 999, 0.5, 1,
      QT_TRANSLATE_NOOP("halvenor::SettingControl", "Title Duration"),
-     QT_TRANSLATE_NOOP("halvenor::SettingControl", " seconds"), kShownUntilChanged,
+     QT_TRANSLATE_NOOP("halvenor::SettingControl", " s"), kShownUntilChanged,
      QT_TRANSLATE_NOOP("halvenor::SettingControl", "Always")},
     {"frameDelay", [](double value) { return 1e6 / value; },
      [](double shown) { return 1e6 / shown; }, 1, 1000, 5, 0,
      QT_TRANSLATE_NOOP("halvenor::SettingControl", "Frame Rate"),
-     QT_TRANSLATE_NOOP("halvenor::SettingControl", " frames/s"), 0,
+     QT_TRANSLATE_NOOP("halvenor::SettingControl", " fps"), 0,
      QT_TRANSLATE_NOOP("halvenor::SettingControl", "Unlimited")},
 };
 

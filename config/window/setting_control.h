@@ -23,7 +23,7 @@ public:
   /// The widget, or the row of widgets; the one that takes the keyboard first is its focus proxy
   /// and is named like the field.
   [[nodiscard]] QWidget* Editor() const { return editor_; }
-  /// Whether the editor brings its own label.
+  /// Whether the editor brings its own label: then its focus proxy is a button that has it.
   [[nodiscard]] virtual bool HasOwnLabel() const { return false; }
 
   /// Shows the value that `settings` has, unless a person is just moving the control.

@@ -1,6 +1,7 @@
 #include "config/window/settings_page.h"
 
 #include <QtGui/QScreen>
+#include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QGroupBox>
@@ -21,21 +22,24 @@ struct Group {
   std::span<const std::string_view> fields;
 };
 
-constexpr std::string_view kMotion[] = {"intensity", "fade", "zoom", "zoomRotation", "numLines"};
+constexpr std::string_view kPicture[] = {"intensity",    "fade",     "zoom",
+                                         "zoomRotation", "numLines", "autopilot"};
+constexpr std::string_view kDrawing[] = {"frequencyScale", "smoothing", "glow", "sharpOverlay",
+                                         "verticalLayout"};
 constexpr std::string_view kColors[] = {"innerColor", "outerColor", "colorCycle"};
-constexpr std::string_view kDrawing[] = {"frequencyScale", "smoothing",      "glow",
-                                         "sharpOverlay",   "verticalLayout", "autopilot"};
 constexpr std::string_view kTexts[] = {"trackTextDuration", "numFrequencyLabels", "fontSize",
                                        "showFrameRate"};
 constexpr std::string_view kScreen[] = {"frameDelay", "fullScreenWidth", "fullScreenHeight"};
 
-constexpr std::size_t kFirstOfSecondColumn = 3;
+constexpr std::size_t kFirstOfSecondColumn = 2;
+// Letters that presets and buttons take; the others are for settings.
+constexpr char kTakenLetters[] = "acdeilmnoprstvy";
 
 // What is named nowhere here goes into a last group.
 constexpr Group kGroups[] = {
-    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Picture"), kMotion},
-    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Colours"), kColors},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Picture"), kPicture},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Drawing"), kDrawing},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Colours"), kColors},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Texts"), kTexts},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Screen"), kScreen},
 };
@@ -47,6 +51,7 @@ SettingsPage::SettingsPage(LiveSettings& live) : live_(live) {
   setWidgetResizable(true);
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::NoFocus);
+  letters_ = QLatin1String(kTakenLetters);
   setWidget(new QWidget);
   auto* side = new QHBoxLayout(widget());
   for (QBoxLayout*& column : columns_) {
@@ -83,14 +88,27 @@ QWidget* SettingsPage::MakeGroup(const QString& title) {
   return group;
 }
 
+// `label` with the first letter that nothing else has as its key, while there are some.
+QString SettingsPage::WithLetter(const QString& label) {
+  for (qsizetype i = 0; i < label.size(); ++i) {
+    const QChar letter = label[i].toLower();
+    if (!letter.isLetter() || letters_.contains(letter)) continue;
+    letters_.append(letter);
+    return QString(label).insert(i, '&');
+  }
+  return label;
+}
+
 void SettingsPage::AddField(QWidget* group, const SettingField& field) {
   SettingControl* control = MakeSettingControl(field, this);
   controls_.push_back(control);
   auto* form = static_cast<QFormLayout*>(group->layout());
   if (control->HasOwnLabel()) {
     form->addRow(control->Editor());
+    auto* button = static_cast<QAbstractButton*>(control->Editor()->focusProxy());
+    button->setText(WithLetter(button->text()));
   } else {
-    form->addRow(SettingLabel(field), control->Editor());
+    form->addRow(WithLetter(SettingLabel(field)), control->Editor());
   }
   connect(control, &SettingControl::Edited, this, [this, control] {
     live_.Edit([control](Settings& settings) { control->Store(settings); });
@@ -121,6 +139,7 @@ void SettingsPage::Arrange() {
   const bool two = width() >= 2 * widest + around + bar + widget()->layout()->spacing();
   if (two == twoColumns_) return;
   twoColumns_ = two;
+  static_cast<QBoxLayout*>(widget()->layout())->setStretchFactor(columns_[1], two ? 1 : 0);
   for (std::size_t i = 0; i < groups_.size(); ++i) {
     QBoxLayout* column = columns_[two && i >= kFirstOfSecondColumn];
     for (QBoxLayout* each : columns_)

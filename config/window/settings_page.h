@@ -24,6 +24,7 @@ protected:
 
 private:
   QWidget* MakeGroup(const QString& title);
+  QString WithLetter(const QString& label);
   void AddField(QWidget* group, const SettingField& field);
   void AddScreenSizeButton(QWidget* group);
   void Arrange();
@@ -32,6 +33,7 @@ private:
   LiveSettings& live_;
   std::vector<SettingControl*> controls_;
   std::vector<QWidget*> groups_;
+  QString letters_; ///< that are taken as keys
   QBoxLayout* columns_[2] = {};
   std::optional<bool> twoColumns_;
 };

@@ -33,7 +33,7 @@ void PresetCatalogue::LoadFactory(const fs::path& folder) {
 void PresetCatalogue::ShowOne(const PresetStore& store, const std::string& id,
                               const NamedLook& preset) {
   // Files may have been given the same name by hand, or by two programs at once.
-  Preset shown{id, FreshNameFor(preset.name, names_), preset.look, false, {}, {}};
+  Preset shown{id, FreshNameFor(preset.name, names_), preset.look, false, Preset::Origin::Own, {}};
   names_.insert(Folded(shown.name));
   shown.favourite = store.IsMarked(PresetMark::Kind::Favourite, id);
   if (const auto original = factory_.find(id); original != factory_.end()) {

@@ -38,9 +38,11 @@ void PresetCommit::GiveFreshId(PresetEdit& edit) {
 
 bool PresetCommit::Plan(PresetEdit& edit) {
   if (!edit.before && !fixed_.contains(edit.id)) GiveFreshId(edit);
-  const FileBytes disk = folder_.Read(FileOf(edit.id));
-  if (!disk.reason.empty()) {
-    error_ = FileOf(edit.id) + " " + disk.reason;
+  FileBytes disk = folder_.Read(FileOf(edit.id));
+  const bool isOurs = !disk.bytes || disk.bytes == edit.before || disk.bytes == edit.after;
+  if (!isOurs) ParsePresets(*disk.bytes, disk.reason);
+  if (!disk.reason.empty()) { // what cannot be read is left alone
+    error_ = FileOf(edit.id) + " " + Printable(disk.reason);
     return false;
   }
   if (!edit.after) {
@@ -49,7 +51,7 @@ bool PresetCommit::Plan(PresetEdit& edit) {
     setAside_.push_back(edit.id);
     return true;
   }
-  if (disk.bytes && disk.bytes != edit.before && disk.bytes != edit.after) {
+  if (!isOurs) {
     const std::string id = FreshIdFor(edit.id, taken_);
     taken_.insert(id);
     writes_.push_back({id, *disk.bytes, PresetWrite::Kind::OtherPrograms});

@@ -100,10 +100,16 @@ std::string FreshNameFor(std::string_view wish, const std::set<std::string>& tak
   if (name.empty()) name = "Preset";
   if (!taken.contains(Folded(name))) return name;
   const std::string base(WithoutNumber(name));
+  std::string folded;
+  std::size_t room = 0; // for the base beside the number
   for (int number = 2;; ++number) {
     const std::string end = " " + std::to_string(number);
-    name = CutTo(base, kLongestName - end.size()) + end;
-    if (!taken.contains(Folded(name))) return name;
+    if (room != kLongestName - end.size()) {
+      room = kLongestName - end.size();
+      name = CutTo(base, room);
+      folded = Folded(name);
+    }
+    if (!taken.contains(folded + end)) return name + end;
   }
 }
 

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -101,15 +100,6 @@ TEST_F(ConfigurationBundle, IsLookedUpAnewUntilItsModuleCanBeUsed) {
   EXPECT_FLOAT_EQ(stored[1] - stored[0], 0.25F) << "plug-in and module share one guard";
   fs::remove_all(inner_);
   EXPECT_EQ(Press('s').front(), " Can't create bundle");
-}
-
-TEST_F(ConfigurationBundle, AModuleWithoutTheEntriesIsNotInitialised) {
-  fs::create_directories(inner_);
-  std::ofstream(inner_ / "Info.plist").put('\n');
-  PutModule(FOREIGN_MODULE);
-  EXPECT_THAT(Press('c'),
-              ElementsAre(" Can't find initialize function", " Can't init bundle", "alert 20"));
-  EXPECT_THAT(Press('c'), testing::SizeIs(3));
 }
 
 } // namespace

@@ -23,6 +23,12 @@ protected:
     folder.WriteBytes("empty.flac", "");
     folder.WriteBytes("odd.records", std::string(3000, '\0'));
     std::filesystem::create_directory(folder.Path("folder"));
+    const std::string mine = "[Halvenor Presets]\nformat=1\n[Preset 1]\nname=Mine\n";
+    std::filesystem::create_directories(folder.Path("halvenor/presets"));
+    folder.WriteBytes("halvenor/presets/mine.preset", mine);
+    folder.WriteBytes("halvenor/presets/broken.preset", "fade=0.5");
+    folder.WriteBytes("two.preset", mine + "[Preset 2]\nname=B\n");
+    program_.environment["XDG_DATA_HOME"] = folder.Path("");
     for (const char* const name : {"full.rgba", "full.png", "full.mkv"})
       std::filesystem::create_symlink("/dev/full", folder.Path(name));
   }
@@ -70,6 +76,13 @@ TEST_F(BadInputTest, CommandLine) {
       {{"s.flac", "-o", "x.png", "--set", "brightness=1"}, "no setting 'brightness'"},
       {{"s.flac", "-o", "x.png", "--set", "fade"}, "NAME=VALUE"},
       {{"s.flac", "-o", "x.png", "--set", "fade=much"}, "fade"},
+      {{"s.flac", "-o", "x.png", "--preset", "Mien"}, "no preset \"Mien\"; did you mean \"Mine\""},
+      {{"s.flac", "-o", "x.png", "--preset", "?"}, "see --list-presets"},
+      {{"s.flac", "-o", "x.png", "--preset", "Broken"}, "broken.preset: is no preset file"},
+      {{"s.flac", "-o", "x.png", "--preset", "missing.preset"}, "missing.preset: No such file"},
+      {{"s.flac", "-o", "x.png", "--preset", "./text.flac"}, "text.flac: is no preset file"},
+      {{"s.flac", "-o", "x.png", "--preset", "two.preset"}, "\"Mine\", \"B\""},
+      {{"s.flac", "-o", "x.png", "--preset", "two.preset#C"}, "no preset \"C\"; it has"},
   };
   for (const auto& [arguments, reason] : cases)
     ExpectOneLine(arguments, reason);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -58,8 +59,32 @@ protected:
     return result;
   }
 
+  // One in the current folder, the same among the person's own, and two in one file.
+  void WritePresets() {
+    const std::string ember =
+        "[Halvenor Presets]\nformat=1\n[Preset 1]\nname=Ember Tide\nfade=0.25\n";
+    std::filesystem::create_directories(program_.Path("data/halvenor/presets"));
+    for (const char* const name : {"ember.preset", "data/halvenor/presets/ember.preset"})
+      program_.Folder().WriteBytes(name, ember);
+    program_.Folder().WriteBytes("two.preset", ember + "[Preset 2]\nname=Other #1\nfade=0.75\n");
+  }
+
   ProgramRun program_;
 };
+
+TEST_F(RenderTest, ListsPresetsOneALine) {
+  program_.environment["XDG_DATA_HOME"] = program_.Path("data");
+  WritePresets();
+  const std::string own = "data/halvenor/presets/";
+  program_.Folder().WriteBytes(own + "marks.ini",
+                               "[Halvenor Preset Marks]\nformat=1\nfavourites=ember;\n");
+  program_.Folder().WriteBytes(own + "broken.preset", "x");
+  const RunResult alone = Succeed({"--list-presets", "--plugin", "nowhere"});
+  EXPECT_EQ(alone.output, "Ember Tide\town, favourite\n");
+  EXPECT_THAT(alone.errors, HasSubstr("broken.preset: "));
+  const RunResult all = Succeed({"--list-presets"});
+  EXPECT_GT(std::count(all.output.begin(), all.output.end(), '\n'), 24);
+}
 
 TEST_F(RenderTest, FramesAndRecordsComeAtTheirTimes) {
   program_.Folder().WriteBytes("r", MarkedRecords(20));
@@ -101,11 +126,17 @@ TEST_F(RenderTest, ThePluginIsToldWhatItShows) {
       "Tune.flac", "taginject tags=\"title=\\\"Été\\\",artist=\\\"Щука\\\"\" ! flacenc",
       {.seconds = 0.3, .wave = Sine(440)});
   program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
+  program_.environment["XDG_DATA_HOME"] = program_.Path("data");
+  WritePresets();
   const struct {
     Arguments settings;
     const char* stored;
   } cases[] = {
       {{}, "nothing"},
+      {{"--preset", "EMBER tide"}, "0.250000"},
+      {{"--preset", "ember.preset"}, "0.250000"},
+      {{"--preset", "./two.preset#other #1"}, "0.750000"},
+      {{"--set", "fade=0.5", "--preset", "Ember Tide"}, "0.500000"},
       {{"--set", "fade=0.5", "--set", "glow=off"}, "0.500000"},
       {{"--preferences", "."}, "nothing"},
   };

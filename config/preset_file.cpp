@@ -42,6 +42,13 @@ std::optional<NamedLook> ReadPreset(GKeyFile* file, const char* group, std::stri
   return preset;
 }
 
+// The name of a choice rather than its number. `look` is tidy.
+std::string ReadableText(const Settings& look, const SettingField& field) {
+  std::string text = ToText(look, field);
+  if (field.choices.empty()) return text;
+  return std::string(field.choices[std::stoul(text) - static_cast<std::size_t>(field.minimum)]);
+}
+
 std::string NameForMessages(const fs::path& file) {
   return Printable(file.string());
 }
@@ -76,7 +83,7 @@ std::string PrintPresets(std::span<const NamedLook> presets) {
     for (const SettingField& field : SettingFields())
       if (field.look)
         g_key_file_set_value(file.get(), group.c_str(), std::string(field.name).c_str(),
-                             ToText(look, field).c_str());
+                             ReadableText(look, field).c_str());
   }
   return TextOf(file.get());
 }

@@ -80,6 +80,7 @@ TEST(PresetFile, RoundTripOfManyInOneFile) {
   const ScratchFolder folder;
   std::vector<NamedLook> presets{{"Ember \\ Tide #1 = [x]; ✨", LookWith(0.1F)}, {" B\n", {}}};
   presets[0].look.innerColor = {0.1F, 1.0F / 3.0F, 0};
+  presets[0].look.frequencyScale = 3;
   presets[1].look.numLines = 1e9F; // keys and stored blocks may hold more than a field takes
   std::string problem;
   ASSERT_TRUE(WritePresetFile(folder / "x", presets, problem)) << problem;
@@ -87,6 +88,7 @@ TEST(PresetFile, RoundTripOfManyInOneFile) {
   ASSERT_TRUE(read && read->size() == 2) << problem;
   EXPECT_EQ(read->at(0).name, presets[0].name);
   EXPECT_TRUE(SameLook(read->at(0).look, presets[0].look));
+  EXPECT_THAT(ReadText(folder / "x"), HasSubstr("\nfrequencyScale=Blended\n"));
   EXPECT_EQ(read->at(1).name, "B");
   EXPECT_EQ(read->at(1).look.numLines, 100);
 }

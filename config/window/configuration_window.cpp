@@ -39,7 +39,7 @@ void ConfigurationWindow::MakeContents() {
   layout->addWidget(sides, 1);
   layout->addWidget(messages_);
   layout->addLayout(MakeButtons());
-  presets_->setFocus();
+  presets_->FocusList();
 }
 
 QLayout* ConfigurationWindow::MakeButtons() {

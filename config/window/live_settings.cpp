@@ -1,8 +1,7 @@
 #include "config/window/live_settings.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstring>
+#include <utility>
 
 namespace halvenor {
 namespace {
@@ -11,11 +10,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kWatching{100};
 constexpr milliseconds kBlending{16};
-
-bool Same(const std::optional<Settings>& one, const std::optional<Settings>& other) {
-  if (!one || !other) return one.has_value() == other.has_value();
-  return std::memcmp(&*one, &*other, sizeof *one) == 0;
-}
 
 } // namespace
 
@@ -47,9 +41,9 @@ void LiveSettings::Flush() {
     if (step.write) settings = *step.write;
     event = step.event;
   });
-  const bool changed = !Same(std::exchange(present_, now), now);
+  present_ = now;
   Schedule();
-  if (changed) emit Seen();
+  emit Seen();
   Report(event);
 }
 

@@ -44,7 +44,7 @@ public:
   [[nodiscard]] bool IsBlending() const { return switcher_.IsBlending(); }
 
 signals:
-  /// `Present` has another value.
+  /// `Present` has been read anew.
   void Seen();
   void WantsPreset();
   void SwitchingChanged(bool on);

@@ -75,7 +75,6 @@ PresetPanel::PresetPanel(PresetPlayer& player, LiveSettings& live)
   });
   UpdateActions();
   UpdateSwitching();
-  setFocusProxy(list_);
 }
 
 void PresetPanel::MakeActions() {

@@ -24,6 +24,7 @@ public:
   /// Both outlive this object.
   PresetPanel(PresetPlayer& player, LiveSettings& live);
 
+  void FocusList() { list_->setFocus(); }
   /// Nobody sees it: no pictures are made.
   void StopPictures() { pictures_.Stop(); }
 

@@ -28,6 +28,8 @@ public:
 
   /// Shows the value that `settings` has, unless a person is just moving the control.
   void Show(const Settings& settings);
+  /// What is shown counts for nothing: there is no block.
+  void Forget() { shown_.reset(); }
   /// Puts into `settings` what the control shows.
   void Store(Settings& settings);
 

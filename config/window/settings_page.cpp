@@ -155,9 +155,13 @@ void SettingsPage::resizeEvent(QResizeEvent* event) {
 
 void SettingsPage::ShowPresent() {
   widget()->setEnabled(live_.Present().has_value());
-  if (!live_.Present()) return;
-  for (SettingControl* control : controls_)
-    control->Show(*live_.Present());
+  for (SettingControl* control : controls_) {
+    if (live_.Present()) {
+      control->Show(*live_.Present());
+    } else {
+      control->Forget();
+    }
+  }
 }
 
 } // namespace halvenor

@@ -1,0 +1,39 @@
+// The window moves everything while another thread draws.
+#include "tests/config_window/window_fixture.h"
+
+#include <atomic>
+#include <thread>
+
+namespace halvenor::test {
+namespace {
+
+TEST_F(WindowFixture, MovesEveryControlWhileFramesAreDrawn) {
+  Open();
+  std::atomic<bool> drawing = true;
+  std::atomic<int> frames = 0;
+  std::size_t seen = 0;
+  std::thread render([&] {
+    while (drawing) {
+      const RecordGuard guard;
+      for (const SettingField& field : SettingFields())
+        seen += ToText(guard.Record()->settings, field).size();
+      ++frames;
+      std::this_thread::yield();
+    }
+  });
+  const Settings before = Host::Present();
+  for (const SettingField& field : SettingFields()) {
+    Move(field);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+      return ToText(Host::Present(), field) != ToText(before, field);
+    })) << field.name;
+  }
+  EXPECT_TRUE(QTest::qWaitFor([&] { return frames > 100; }));
+  Window()->close();
+  drawing = false;
+  render.join();
+  EXPECT_GT(seen, 0u);
+}
+
+} // namespace
+} // namespace halvenor::test

@@ -55,8 +55,19 @@ TEST(PresetHardship, BadFilesAreNamedOnceAndLeftAlone) {
   fs::create_symlink("nowhere", own / "dangling.preset");
   fs::create_directory(own / "folder.preset");
   ASSERT_EQ(mkfifo((own / "pipe.preset").c_str(), 0644), 0);
-  const char* const bad[] = {"foreign", "future",   "several", "Capital Letters", "forbidden",
-                             "huge",    "dangling", "link",    "folder",          "pipe"};
+  const struct {
+    std::string stem;
+    const char* reason;
+  } bad[] = {{"foreign", "no preset file"},
+             {"future", "format to come"},
+             {"several", "several presets"},
+             {"Capital Letters", "rename or import"},
+             {"forbidden", "Permission denied"},
+             {"huge", "larger than 16 MB"},
+             {"dangling", "a link"},
+             {"link", "a link"},
+             {"folder", "a folder"},
+             {"pipe", "no ordinary file"}};
 
   PresetLibrary library({own, {}});
   std::vector<std::string> lines;
@@ -66,11 +77,13 @@ TEST(PresetHardship, BadFilesAreNamedOnceAndLeftAlone) {
   }
   EXPECT_EQ(lines.size(), std::size(bad)) << testing::PrintToString(lines);
   EXPECT_EQ(library.Presets().size(), 1u);
-  for (const std::string stem : bad) {
-    const auto naming = std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-      return line.find("/" + stem + ".preset: ") != line.npos;
+  for (const auto& [stem, reason] : bad) {
+    const std::string file = "/" + stem + ".preset: ";
+    const auto line = std::find_if(lines.begin(), lines.end(), [&](const std::string& candidate) {
+      return candidate.find(file) != candidate.npos;
     });
-    EXPECT_EQ(naming, 1) << stem;
+    ASSERT_NE(line, lines.end()) << stem;
+    EXPECT_THAT(*line, HasSubstr(reason));
     std::string id;
     ASSERT_EQ(library.Add(stem, DefaultSettings(), &id), kDone) << stem;
     EXPECT_NE(id, stem) << "its name is not used again";
@@ -154,6 +167,21 @@ TEST(PresetHardship, WithoutARightToWriteNothingChanges) {
   EXPECT_THAT(library.Remove("mine").value_or(""), HasSubstr("Permission denied"));
   EXPECT_THAT(library.Add("x", DefaultSettings()).value_or(""), HasSubstr("Permission denied"));
   EXPECT_EQ(library.Presets().size(), 1u);
+}
+
+// The last of several steps fails.
+TEST(PresetHardship, AHalfDoneChangeIsTakenBack) {
+  const ScratchFolder folder;
+  WriteText(folder / "factory/ember.preset", PresetText("Ember", 0.1F));
+  WriteText(folder / "own/ember.preset", PresetText("Ember", 0.9F));
+  WriteText(folder / "own/removed", "not the folder that it should be");
+  PresetLibrary library({folder / "own", folder / "factory"});
+  library.Load();
+  EXPECT_THAT(library.RestoreFactory().value_or(""), HasSubstr("Not a directory"));
+  EXPECT_THAT(library.Remove("ember").value_or(""), HasSubstr("Not a directory"));
+  EXPECT_THAT(library.Load(), IsEmpty());
+  EXPECT_THAT(Seen(library), testing::ElementsAre("ember|Ember|0.900000|changed"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder / "own"), fs::directory_iterator()), 2);
 }
 
 // Tells its parent of every change that was made.

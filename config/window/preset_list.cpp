@@ -30,7 +30,7 @@ PresetList::PresetList(PresetPlayer& player, PresetModel& model, PresetFilter& f
     verticalScrollBar()->setValue(keptScroll_);
     SetCurrentId(std::exchange(kept_, {}));
   });
-  const auto choose = [this, &player](const QModelIndex& index) {
+  const auto choose = [&player](const QModelIndex& index) {
     player.Choose(index.data(PresetModel::kId).toString().toStdString());
   };
   connect(this, &QListView::clicked, this, choose);

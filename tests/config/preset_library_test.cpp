@@ -203,6 +203,10 @@ TEST_F(PresetLibraryTest, NamesFindTheirPresets) {
   ASSERT_EQ(library_.Add("✨", DefaultSettings(), &id), kDone);
   EXPECT_EQ(id, "preset");
   EXPECT_EQ(library_.FindByName("ÄRGER ÜBER ✨")->id, "arger-uber");
+  ASSERT_EQ(library_.SetFavourite(id, true), kDone);
+  ASSERT_EQ(library_.Remove(id), kDone);
+  ASSERT_EQ(library_.Add("✨", DefaultSettings(), &id), kDone);
+  EXPECT_FALSE(library_.Find(id)->favourite) << "another one's mark";
 }
 
 // Another program and this one change the same preset: neither loses its look.

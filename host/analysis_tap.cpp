@@ -1,5 +1,6 @@
 #include "host/analysis_tap.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace halvenor {
@@ -8,6 +9,9 @@ namespace {
 
 constexpr std::int64_t kRecordTime = std::int64_t{kDeliveryMilliseconds} * GST_MSECOND;
 constexpr std::int64_t kLongestGap = 40 * GST_MSECOND;
+constexpr std::int64_t kSamePlace = 5 * GST_MSECOND;
+constexpr std::size_t kMostMarks = 64;
+constexpr const char* kTrackEvent = "halvenor-track";
 
 } // namespace
 
@@ -18,10 +22,19 @@ AnalysisTap::AnalysisTap(GstAppSink* sink)
   callbacks.new_sample = OnSample;
   callbacks.eos = OnEnd;
   gst_app_sink_set_callbacks(sink, &callbacks, this, nullptr);
+  const gst_media::Pad pad(gst_element_get_static_pad(GST_ELEMENT(sink), "sink"));
+  constexpr auto kEvents = static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM |
+                                                        GST_PAD_PROBE_TYPE_EVENT_FLUSH);
+  gst_pad_add_probe(pad.get(), kEvents, OnEvent, this, nullptr);
 }
 
 AnalysisTap::~AnalysisTap() {
   const std::scoped_lock lock(analysing_, mutex_);
+}
+
+GstEvent* AnalysisTap::MakeTrackEvent(int track) {
+  return gst_event_new_custom(GST_EVENT_CUSTOM_DOWNSTREAM,
+                              gst_structure_new(kTrackEvent, "track", G_TYPE_INT, track, nullptr));
 }
 
 GstFlowReturn AnalysisTap::OnSample(GstAppSink* sink, void* self) {
@@ -34,30 +47,64 @@ void AnalysisTap::OnEnd(GstAppSink* /*sink*/, void* self) {
   auto* tap = static_cast<AnalysisTap*>(self);
   const std::scoped_lock lock(tap->analysing_);
   tap->analyser_.Flush();
+  tap->anchored_ = false;
 }
 
-/// A jump in the medium's time begins a new count of records; after one backwards what had been
-/// kept from there on is not heard again.
+GstPadProbeReturn AnalysisTap::OnEvent(GstPad* /*pad*/, GstPadProbeInfo* info, void* self) {
+  GstEvent* event = GST_PAD_PROBE_INFO_EVENT(info);
+  const GstStructure* content = gst_event_get_structure(event);
+  int track = 0;
+  if (gst_event_has_name(event, kTrackEvent) != FALSE &&
+      gst_structure_get_int(content, "track", &track) != FALSE) {
+    auto* tap = static_cast<AnalysisTap*>(self);
+    const std::scoped_lock lock(tap->analysing_);
+    tap->track_ = track;
+  }
+  if (GST_EVENT_TYPE(event) == GST_EVENT_FLUSH_STOP) static_cast<AnalysisTap*>(self)->Forget();
+  return GST_PAD_PROBE_OK;
+}
+
+/// After a flush the running time begins at 0 again.
+void AnalysisTap::Forget() {
+  const std::scoped_lock lock(analysing_, mutex_);
+  analyser_.Reset();
+  anchored_ = false;
+  count_ = 0;
+  marks_.clear();
+}
+
+/// A jump in the time begins a new count of records; from one track to the next there is none.
 void AnalysisTap::Analyse(GstSample* sample) {
   const std::scoped_lock lock(analysing_);
   const std::int64_t expected = origin_ + pushed_ * GST_SECOND / kAnalysisRate;
-  const std::int64_t time = gst_media::StreamTime(sample).value_or(expected);
-  if (!anchored_ || std::abs(time - expected) > kLongestGap) {
-    analyser_.Flush();
-    ForgetFrom(time);
-    anchored_ = true;
-    origin_ = time;
-    pushed_ = 0;
-  }
+  const std::int64_t time = gst_media::RunningTime(sample).value_or(expected);
+  if (!anchored_ || std::abs(time - expected) > kLongestGap) Restart(time);
+  Note({time, gst_media::StreamTime(sample).value_or(time) - time, track_});
   const gst_media::Frames frames(sample);
   analyser_.Push(frames.Values());
   pushed_ += static_cast<std::int64_t>(frames.Values().size() / 2);
 }
 
-void AnalysisTap::ForgetFrom(std::int64_t time) {
+/// After a jump backwards what had been kept from there on is not heard again.
+void AnalysisTap::Restart(std::int64_t time) {
+  analyser_.Flush();
+  anchored_ = true;
+  origin_ = time;
+  pushed_ = 0;
   const std::scoped_lock lock(mutex_);
   while (count_ > 0 && kept_[(first_ + count_ - 1) % kept_.size()].time >= time)
     --count_;
+  while (!marks_.empty() && marks_.back().time >= time)
+    marks_.pop_back();
+}
+
+void AnalysisTap::Note(const Mark& mark) {
+  const std::scoped_lock lock(mutex_);
+  if (!marks_.empty() && marks_.back().track == mark.track &&
+      std::abs(marks_.back().offset - mark.offset) < kSamePlace)
+    return;
+  if (marks_.size() == kMostMarks) marks_.pop_front();
+  marks_.push_back(mark);
 }
 
 void AnalysisTap::Keep(const AnalysedSound& analysed) {
@@ -72,15 +119,24 @@ void AnalysisTap::Keep(const AnalysedSound& analysed) {
   ++count_;
 }
 
-std::optional<RenderVisualData> AnalysisTap::Take(std::int64_t from, std::int64_t until) {
+std::optional<AnalysisTap::Timed> AnalysisTap::Take(std::int64_t from, std::int64_t until) {
   const std::scoped_lock lock(mutex_);
   while (count_ > 0 && kept_[first_].time <= until) {
     const Timed& timed = kept_[first_];
     first_ = (first_ + 1) % kept_.size();
     --count_;
-    if (timed.time >= from) return timed.record;
+    if (timed.time >= from) return timed;
   }
   return std::nullopt;
+}
+
+std::optional<AnalysisTap::Place> AnalysisTap::At(std::int64_t time) {
+  const std::scoped_lock lock(mutex_);
+  if (marks_.empty()) return std::nullopt;
+  while (marks_.size() > 1 && marks_[1].time <= time)
+    marks_.pop_front();
+  const Mark& mark = marks_.front();
+  return Place{mark.track, std::max(time, mark.time) + mark.offset};
 }
 
 } // namespace halvenor

@@ -9,34 +9,57 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <mutex>
 #include <optional>
 
 namespace halvenor {
 
 /// Analyses what reaches an appsink, on the thread that brings it there, and keeps the records
-/// with their times until the host's thread takes them. Must outlive the running pipeline.
+/// with their times until the host's thread takes them. Times are the pipeline's running times in
+/// nanoseconds. Must outlive the running pipeline.
 class AnalysisTap {
 public:
+  struct Timed {
+    std::int64_t time;
+    RenderVisualData record;
+  };
+  /// Which track, and where in it, nanoseconds from its start.
+  struct Place {
+    int track;
+    std::int64_t position;
+  };
+
   explicit AnalysisTap(GstAppSink* sink);
   ~AnalysisTap();
   AnalysisTap(const AnalysisTap&) = delete;
   AnalysisTap& operator=(const AnalysisTap&) = delete;
 
-  /// Takes out the oldest record that begins at `from` or later and not after `until`,
-  /// nanoseconds of the medium; forgets those before `from`. Any thread.
-  std::optional<RenderVisualData> Take(std::int64_t from, std::int64_t until);
+  /// To be sent down the pipeline before the first sound of a track.
+  static GstEvent* MakeTrackEvent(int track);
+
+  /// Takes out the oldest record that begins at `from` or later and not after `until`; forgets
+  /// those before `from`. Any thread.
+  std::optional<Timed> Take(std::int64_t from, std::int64_t until);
+
+  /// What is heard at that time; none before the first sound. Any thread.
+  std::optional<Place> At(std::int64_t time);
 
 private:
-  struct Timed {
+  /// From `time` on, positions are running times plus `offset`.
+  struct Mark {
     std::int64_t time;
-    RenderVisualData record;
+    std::int64_t offset;
+    int track;
   };
 
   static GstFlowReturn OnSample(GstAppSink* sink, void* self);
   static void OnEnd(GstAppSink* sink, void* self);
+  static GstPadProbeReturn OnEvent(GstPad* pad, GstPadProbeInfo* info, void* self);
   void Analyse(GstSample* sample);
-  void ForgetFrom(std::int64_t time);
+  void Forget();
+  void Restart(std::int64_t time);
+  void Note(const Mark& mark);
   void Keep(const AnalysedSound& analysed);
 
   // Held wherever the analyser is used: sound comes on one thread at a time, but not on one alone.
@@ -45,11 +68,13 @@ private:
   bool anchored_ = false;
   std::int64_t origin_ = 0; // time of the analyser's first frame
   std::int64_t pushed_ = 0; // frames since then
+  int track_ = 0;
 
   std::mutex mutex_;
-  std::array<Timed, 64> kept_{}; // a ring; when it is full the oldest gives way
+  std::array<Timed, 96> kept_{}; // a ring; when it is full the oldest gives way
   std::size_t first_ = 0;
   std::size_t count_ = 0;
+  std::deque<Mark> marks_;
 };
 
 } // namespace halvenor

@@ -99,8 +99,9 @@ bool AudioReader::Decoder::Open() {
   tags.title = medium.title;
   pipeline = MakePipeline(std::string(kDecoder) + " ! " + kToAnalysis +
                               " ! appsink name=sink sync=false max-buffers=8",
-                          medium.uri, error);
+                          error);
   if (!pipeline) return false;
+  g_object_set(Part(pipeline, "decoder").get(), "uri", medium.uri.c_str(), nullptr);
   sink = Part(pipeline, "sink");
   bus.reset(gst_element_get_bus(pipeline.get()));
   gst_element_set_state(pipeline.get(), GST_STATE_PAUSED);
@@ -237,12 +238,8 @@ void AudioReader::Decoder::CheckLength() {
                                   : "contains no sound");
     return;
   }
-  const Element typefind = Part(pipeline, "typefind");
-  GstCaps* found = nullptr;
-  if (typefind) g_object_get(typefind.get(), "caps", &found, nullptr);
-  const Caps caps(found);
-  if (!caps || !total) return;
-  const std::string_view type = gst_structure_get_name(gst_caps_get_structure(caps.get(), 0));
+  if (!total) return;
+  const std::string type = MediaType(pipeline);
   for (const ExactContainer& container : kExactContainers)
     if (container.mediaType == type && reached + container.tolerance < *total)
       Fail("is truncated: " + Seconds(reached) + " of its " + Seconds(*total) +

@@ -80,12 +80,20 @@ std::optional<Medium> Find(const std::string& medium, std::string& error) {
   return Medium{medium, medium, *shown ? shown.get() : medium};
 }
 
+bool IsNetwork(const std::string& uri) {
+  return gst_uri_has_protocol(uri.c_str(), "http") != FALSE ||
+         gst_uri_has_protocol(uri.c_str(), "https") != FALSE;
+}
+
 std::string About(const std::string& name, const std::string& text) {
   const Text shown(g_filename_display_name(name.c_str()));
   return OneLine(std::string(shown.get()) + ": " + text);
 }
 
 std::string Explain(GstMessage* message) {
+  constexpr unsigned kFirstHttpError = 400;
+  constexpr unsigned kHttpNotFound = 404;
+  constexpr unsigned kHttpGone = 410;
   struct Meaning {
     GQuark domain;
     int code;
@@ -107,6 +115,15 @@ std::string Explain(GstMessage* message) {
       Meaning{stream, GST_STREAM_ERROR_DECRYPT, "is encrypted"},
       Meaning{stream, GST_STREAM_ERROR_DECRYPT_NOKEY, "is encrypted"},
   };
+  const GstStructure* details = nullptr;
+  gst_message_parse_error_details(message, &details);
+  unsigned status = 0;
+  if (details != nullptr && gst_structure_get_uint(details, "http-status-code", &status) != FALSE &&
+      status >= kFirstHttpError)
+    return (status == kHttpNotFound || status == kHttpGone ? "cannot be found (HTTP "
+                                                           : "is refused by its server (HTTP ") +
+           std::to_string(status) + ")";
+
   GError* reason = nullptr;
   gst_message_parse_error(message, &reason, nullptr);
   const OwnedError owned(reason);
@@ -122,28 +139,61 @@ bool ExplainMissingDecoder(GstMessage* message, std::string& text) {
   return true;
 }
 
-bool TakeTags(GstMessage* message, MediaTags& tags) {
-  GstTagList* parsed = nullptr;
-  gst_message_parse_tag(message, &parsed);
-  const std::unique_ptr<GstTagList, ReleasedBy<gst_tag_list_unref>> list(parsed);
-  const MediaTags before = tags;
-  for (const auto& [tag, member] : {std::pair(GST_TAG_TITLE, &MediaTags::title),
-                                    std::pair(GST_TAG_ARTIST, &MediaTags::artist)}) {
+std::string Presentable(const std::string& text) {
+  constexpr std::size_t kMost = 1000;
+  const Text valid(g_utf8_make_valid(text.c_str(), static_cast<gssize>(text.size())));
+  std::string line = valid.get();
+  if (line.size() > kMost) {
+    const char* end = g_utf8_find_prev_char(line.c_str(), line.c_str() + kMost + 1);
+    line.resize(static_cast<std::size_t>(end - line.c_str()));
+  }
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return g_ascii_iscntrl(c) != FALSE; }, ' ');
+  return line;
+}
+
+namespace {
+
+template <typename Tags, std::size_t N>
+bool Take(const GstTagList* list, Tags& tags,
+          const std::array<std::pair<const char*, std::string Tags::*>, N>& table) {
+  const Tags before = tags;
+  for (const auto& [tag, member] : table) {
     char* value = nullptr;
-    if (gst_tag_list_get_string(list.get(), tag, &value) == FALSE) continue;
+    if (gst_tag_list_get_string(list, tag, &value) == FALSE) continue;
     const Text owned(value);
-    if (*value != '\0') tags.*member = value;
+    if (*value != '\0') tags.*member = Presentable(value);
   }
   return tags != before;
 }
 
-Element MakePipeline(const std::string& description, const std::string& uri, std::string& error) {
+} // namespace
+
+bool TakeTags(const GstTagList* list, MediaTags& tags) {
+  return Take(list, tags,
+              std::array{std::pair(GST_TAG_TITLE, &MediaTags::title),
+                         std::pair(GST_TAG_ARTIST, &MediaTags::artist),
+                         std::pair(GST_TAG_ALBUM, &MediaTags::album)});
+}
+
+bool TakeTags(const GstTagList* list, StreamTags& tags) {
+  return Take(list, tags,
+              std::array{std::pair(GST_TAG_ORGANIZATION, &StreamTags::station),
+                         std::pair(GST_TAG_TITLE, &StreamTags::title)});
+}
+
+bool TakeTags(GstMessage* message, MediaTags& tags) {
+  GstTagList* parsed = nullptr;
+  gst_message_parse_tag(message, &parsed);
+  const std::unique_ptr<GstTagList, ReleasedBy<gst_tag_list_unref>> list(parsed);
+  return TakeTags(list.get(), tags);
+}
+
+Element MakePipeline(const std::string& description, std::string& error) {
   GError* reason = nullptr;
   GstElement* made =
       gst_parse_launch_full(description.c_str(), nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &reason);
-  Element pipeline = Owned(made, reason, error);
-  if (pipeline) g_object_set(Part(pipeline, "decoder").get(), "uri", uri.c_str(), nullptr);
-  return pipeline;
+  return Owned(made, reason, error);
 }
 
 Element MakeSink(const std::string& description, std::string& error) {
@@ -153,18 +203,16 @@ Element MakeSink(const std::string& description, std::string& error) {
   return Owned(made, reason, error);
 }
 
-bool HasAudioDevice() {
-  const std::unique_ptr<GstDeviceMonitor, ReleasedBy<gst_object_unref>> monitor(
-      gst_device_monitor_new());
-  gst_device_monitor_add_filter(monitor.get(), "Audio/Sink", nullptr);
-  GList* devices = gst_device_monitor_get_devices(monitor.get());
-  const bool any = devices != nullptr;
-  g_list_free_full(devices, gst_object_unref);
-  return any;
-}
-
 Element Part(const Element& pipeline, const char* name) {
   return Element(gst_bin_get_by_name(GST_BIN(pipeline.get()), name));
+}
+
+std::string MediaType(const Element& whole) {
+  const Element typefind = Part(whole, "typefind");
+  GstCaps* found = nullptr;
+  if (typefind) g_object_get(typefind.get(), "caps", &found, nullptr);
+  const Caps caps(found);
+  return caps ? gst_structure_get_name(gst_caps_get_structure(caps.get(), 0)) : "";
 }
 
 Frames::Frames(GstSample* sample) : buffer_(gst_sample_get_buffer(sample)) {
@@ -179,16 +227,29 @@ Frames::~Frames() {
   if (buffer_ != nullptr) gst_buffer_unmap(buffer_, &map_);
 }
 
-std::optional<std::int64_t> StreamTime(GstSample* sample) {
+namespace {
+
+using ConvertTime = int (*)(const GstSegment*, GstFormat, std::uint64_t, std::uint64_t*);
+
+std::optional<std::int64_t> TimeOf(GstSample* sample, ConvertTime convert) {
   const GstBuffer* buffer = gst_sample_get_buffer(sample);
   const GstSegment* segment = gst_sample_get_segment(sample);
   if (buffer == nullptr || segment->format != GST_FORMAT_TIME || !GST_BUFFER_PTS_IS_VALID(buffer))
     return std::nullopt;
   std::uint64_t time = 0;
-  const int sign =
-      gst_segment_to_stream_time_full(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer), &time);
+  const int sign = convert(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer), &time);
   if (sign == 0) return std::nullopt;
   return sign * static_cast<std::int64_t>(time);
+}
+
+} // namespace
+
+std::optional<std::int64_t> StreamTime(GstSample* sample) {
+  return TimeOf(sample, gst_segment_to_stream_time_full);
+}
+
+std::optional<std::int64_t> RunningTime(GstSample* sample) {
+  return TimeOf(sample, gst_segment_to_running_time_full);
 }
 
 } // namespace halvenor::gst_media

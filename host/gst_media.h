@@ -23,6 +23,7 @@ struct ReleasedBy {
 };
 
 using Element = std::unique_ptr<GstElement, ReleasedBy<gst_object_unref>>;
+using Pad = std::unique_ptr<GstPad, ReleasedBy<gst_object_unref>>;
 using Bus = std::unique_ptr<GstBus, ReleasedBy<gst_object_unref>>;
 using Message = std::unique_ptr<GstMessage, ReleasedBy<gst_message_unref>>;
 using Sample = std::unique_ptr<GstSample, ReleasedBy<gst_sample_unref>>;
@@ -42,6 +43,9 @@ struct Medium {
 /// Finds `medium`, a path or a URI. A path that cannot be read leaves one line in `error`.
 std::optional<Medium> Find(const std::string& medium, std::string& error);
 
+/// Whether the medium of that URI comes over the network.
+bool IsNetwork(const std::string& uri);
+
 /// A line about the medium of that name.
 std::string About(const std::string& name, const std::string& text);
 
@@ -51,8 +55,14 @@ std::string Explain(GstMessage* message);
 /// Whether the message says which decoder is missing, and then that in `text`.
 bool ExplainMissingDecoder(GstMessage* message, std::string& text);
 
-/// Takes over what the tag message says of title and artist; whether something changed.
+/// A tag as it may be shown: one line of UTF-8, a thousand bytes at most.
+std::string Presentable(const std::string& text);
+
+/// Takes over what the list says of the medium; whether something changed.
+bool TakeTags(const GstTagList* list, MediaTags& tags);
 bool TakeTags(GstMessage* message, MediaTags& tags);
+/// The same of a radio station.
+bool TakeTags(const GstTagList* list, StreamTags& tags);
 
 /// The beginnings of both pipelines, as GStreamer's textual descriptions: what decodes the first
 /// sound stream of its `uri` property, and what turns any sound into what the analyser takes.
@@ -62,18 +72,18 @@ inline constexpr const char* kToAnalysis =
     "audioconvert ! audioresample quality=10 ! "
     "audio/x-raw,format=" GST_AUDIO_NE(F32) ",rate=44100,channels=2,layout=interleaved";
 
-/// Makes a pipeline of a textual description whose element "decoder" is to decode `uri`. On
-/// failure returns null and leaves one line in `error`.
-Element MakePipeline(const std::string& description, const std::string& uri, std::string& error);
+/// Makes a pipeline of a textual description. On failure returns null and leaves one line in
+/// `error`.
+Element MakePipeline(const std::string& description, std::string& error);
 
 /// Makes a bin with one sink pad of a textual description; failure as before.
 Element MakeSink(const std::string& description, std::string& error);
 
-/// Whether sound can be heard at all on this machine.
-bool HasAudioDevice();
-
 /// The element of that name in the pipeline.
 Element Part(const Element& pipeline, const char* name);
+
+/// The type of what a decoder within `whole` was given, as GStreamer names it; empty if unknown.
+std::string MediaType(const Element& whole);
 
 /// The interleaved values of a sample of sound, readable while it lives.
 class Frames {
@@ -92,5 +102,7 @@ private:
 
 /// When the sample is heard, nanoseconds from the start of its medium; none if it does not say.
 std::optional<std::int64_t> StreamTime(GstSample* sample);
+/// The same from when the pipeline began to play.
+std::optional<std::int64_t> RunningTime(GstSample* sample);
 
 } // namespace halvenor::gst_media

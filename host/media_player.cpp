@@ -1,9 +1,14 @@
 #include "host/media_player.h"
 
-#include "host/analysis_tap.h"
 #include "host/gst_media.h"
+#include "host/playing_pipeline.h"
+#include "host/sound_server.h"
+#include "host/worker.h"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <fstream>
 #include <limits>
 #include <utility>
 
@@ -12,138 +17,249 @@ namespace halvenor {
 namespace {
 
 using namespace gst_media;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
 constexpr double kSecond = static_cast<double>(GST_SECOND);
+constexpr double kRecordSeconds = kDeliveryMilliseconds / 1000.0;
 constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
 
 /// After a long absence of the host records that are older than this are not told any more.
 constexpr std::int64_t kStale = 200 * GST_MSECOND;
 
-// The analysis runs ahead of the ear by what the first queue holds.
-constexpr const char* kQueue = "queue max-size-time=1000000000 max-size-buffers=0 max-size-bytes=0";
+constexpr double kAboutToEnd = 5;    // seconds before the end
+constexpr auto kServerPatience = 2s; // for the first answer of the sound server
+constexpr auto kClosePatience = 2s;  // for the device to be let go of
+constexpr auto kStall = 10s;         // without a byte
+constexpr auto kRecovered = 10s;     // of radio, and the pauses are short again
+constexpr std::array kPauses{1s, 2s, 4s, 8s, 16s, 30s};
 
-std::string Description() {
-  return std::string(kDecoder) + " ! tee name=tee  tee. ! " + kQueue +
-         " ! audioconvert ! audioresample name=heard  tee. ! " + kQueue + " ! " + kToAnalysis +
-         " ! appsink name=analysis sync=false async=false";
-}
+constexpr const char* kServerSink =
+    "pulsesink client-name=Halvenor stream-properties=\"props,media.role=music\"";
+constexpr const char* kCardSink = "alsasink";
+constexpr const char* kNoSink = "fakesink sync=true";
 
-/// One medium on its way to the ear.
-struct Session {
-  Element pipeline;
-  Element audio; // the sink that is heard
-  Bus bus;
-  std::unique_ptr<AnalysisTap> tap;
-  double resumeAt = 0; // seconds; where to go once the first sound is there
-  bool started = false;
-  std::string missing; // what GStreamer lacks for this medium
-
-  ~Session() {
-    if (pipeline) gst_element_set_state(pipeline.get(), GST_STATE_NULL);
-  }
-};
-
-std::unique_ptr<Session> MakeSession(const Medium& medium, const std::string& audioSink,
-                                     std::string& error) {
-  auto session = std::make_unique<Session>();
-  session->pipeline = MakePipeline(Description(), medium.uri, error);
-  if (!session->pipeline) return nullptr;
-  session->audio = MakeSink(audioSink, error);
-  if (!session->audio) return nullptr;
-  gst_bin_add(GST_BIN(session->pipeline.get()), GST_ELEMENT(gst_object_ref(session->audio.get())));
-  gst_element_link(Part(session->pipeline, "heard").get(), session->audio.get());
-  const Element analysis = Part(session->pipeline, "analysis");
-  session->tap = std::make_unique<AnalysisTap>(GST_APP_SINK(analysis.get()));
-  session->bus.reset(gst_element_get_bus(session->pipeline.get()));
-  return session;
+bool HasSoundCard() {
+  std::ifstream list("/proc/asound/pcm");
+  for (std::string line; std::getline(list, line);)
+    if (line.find("playback") != std::string::npos) return true;
+  return false;
 }
 
 } // namespace
 
 struct MediaPlayer::Impl {
+  Impl(Listener& theListener, std::string sink, SoundServer* theServer)
+      : listener(theListener), audioSink(std::move(sink)),
+        ownServer(theServer == nullptr && audioSink.empty() ? std::make_unique<SoundServer>()
+                                                            : nullptr),
+        server(theServer != nullptr ? theServer : ownServer.get()) {}
+
   Listener& listener;
-  std::string audioSink;
+  const std::string audioSink;
+  const std::unique_ptr<SoundServer> ownServer;
+  SoundServer* const server; // null only where `audioSink` is given
+  Worker worker;
+
   std::string name; // of the last medium asked for
   std::optional<Medium> medium;
   MediaTags tags;
-  State state = State::Stopped;
-  std::unique_ptr<Session> session;
-  bool silent = false; // the audio device has failed
-  double position = 0; // seconds, when last asked
+  StreamTags stream;
+  State state = State::Stopped; // wanted
+  State told = State::Stopped;
+  double volume = 1;
+  bool muted = false;
+  std::int64_t offset = 0; // nanoseconds
+
+  // Grows whenever something else is to be played: what a loop was about is gone then.
+  std::uint64_t session = 0;
+  std::optional<double> beginAt; // to begin there as soon as the server is known to be there or not
+  Clock::time_point begun;
+  std::unique_ptr<PlayingPipeline> pipeline;
+  double resumeAt = 0;     // seconds; where to go once the first sound is there
+  bool started = false;    // the first sound is there
+  bool tellStart = false;  // it is news to the listener
+  bool everPlayed = false; // the medium that was asked for
+  bool buffering = false;
+  std::string missing; // what GStreamer lacks for this medium
+
+  bool silent = false; // there is no device, or it has failed
+  std::uint64_t serverChanges = 0;
+
+  int track = 0; // of the pipeline
+  struct Next {
+    int track;
+    std::string name;
+    Medium medium;
+  };
+  std::optional<Next> next;
+  bool asked = false;              // for the next one
+  std::optional<int> decodedTrack; // the last that was decoded to its end
+  bool released = false;           // its end takes effect
+  std::optional<double> length;    // of the track
+  Clock::time_point lengthSought{};
+
+  std::int64_t heard = 0; // running time, nanoseconds
+  double position = 0;    // seconds, when last asked
+  double toldUntil = 0;   // seconds; the records before have been told
+
+  std::optional<Clock::time_point> retryAt;
+  std::size_t tries = 0;
   std::string failure; // to be told by the next `Poll`
 
-  void Begin(double at);
-  [[nodiscard]] std::string SinkDescription() const;
+  [[nodiscard]] double Linear() const { return volume * volume * volume; }
+  void Leave();
+  void BeginSoon(double at);
+  void Begin();
+  [[nodiscard]] std::optional<std::string> SinkDescription();
+  void WatchServer();
   void SetState(State wanted);
+  void ApplyState();
+  void TellState(State reached);
   void Fail(const std::string& text);
+
   void HandleBus();
   void Handle(GstMessage* message);
   void HandleError(GstMessage* message);
-  void HandleStart(GstMessage* message);
-  void HandleTags(GstMessage* message);
+  void HandleState(GstMessage* message);
+  void HandleBuffering(GstMessage* message);
+  void HandleDecoded(int which);
   void HandleEnd();
+  void Start();
+  void TakeNewTags();
+  void TellNewTags();
+
+  void FindLength();
   void FindPosition();
+  void LookAhead();
+  void Ask();
+  void DropNext();
+  void Switch();
   void TellRecords(std::int64_t until);
+
+  [[nodiscard]] bool IsRadio() const;
+  void WatchStream();
+  void Lose(const std::string& reason);
 };
 
-void MediaPlayer::Impl::Fail(const std::string& text) {
-  session.reset();
-  state = State::Stopped;
-  failure = text;
+void MediaPlayer::Impl::Leave() {
+  ++session;
+  pipeline.reset();
+  beginAt.reset();
+  retryAt.reset();
+  next.reset();
+  decodedTrack.reset();
+  length.reset();
+  started = buffering = asked = released = false;
+  track = 0;
+  missing.clear();
+  failure.clear();
+  lengthSought = {};
 }
 
-void MediaPlayer::Impl::Begin(double at) {
-  session.reset();
-  failure.clear();
-  position = at;
-  tags = {};
+void MediaPlayer::Impl::BeginSoon(double at) {
+  Leave();
+  beginAt = position = toldUntil = at;
+  begun = Clock::now();
+}
+
+/// What sounds; none while that is not known.
+std::optional<std::string> MediaPlayer::Impl::SinkDescription() {
+  if (!audioSink.empty()) return silent ? kNoSink : audioSink;
+  serverChanges = server->Changes();
+  if (silent) return kNoSink;
+  if (server->CurrentState() == SoundServer::State::Connecting &&
+      Clock::now() - begun < kServerPatience)
+    return std::nullopt;
+  if (server->CurrentState() == SoundServer::State::Connected && !server->Outputs().empty())
+    return kServerSink;
+  if (server->CurrentState() != SoundServer::State::Connected && HasSoundCard()) return kCardSink;
+  silent = true;
+  return kNoSink;
+}
+
+void MediaPlayer::Impl::Begin() {
+  const std::optional<std::string> sink = SinkDescription();
+  if (!sink) return;
+  const double at = *beginAt;
+  Leave();
+  begun = Clock::now();
   std::string error;
-  medium = Start(error) ? Find(name, error) : std::nullopt;
-  if (medium) {
-    tags.title = medium->title;
-    session = MakeSession(*medium, SinkDescription(), error);
-  }
-  if (!session) {
+  medium = gst_media::Start(error) ? Find(name, error) : std::nullopt;
+  if (medium) pipeline = PlayingPipeline::Make(worker, *medium, *sink, error);
+  if (!pipeline) {
     Fail(error);
     return;
   }
-  session->resumeAt = at;
-  SetState(State::Playing);
+  tags = {medium->title, {}, {}};
+  stream = {};
+  resumeAt = at;
+  pipeline->SetVolume(Linear(), muted);
+  ApplyState();
 }
 
-std::string MediaPlayer::Impl::SinkDescription() const {
-  // Asking first: the search for a sink fills standard error with complaints when there is none.
-  if (silent || (audioSink.empty() && !HasAudioDevice())) return "fakesink sync=true";
-  return audioSink.empty() ? "autoaudiosink" : audioSink;
+/// With a place to go to nothing is heard before it is reached.
+void MediaPlayer::Impl::ApplyState() {
+  if (!pipeline) return;
+  if (state == State::Paused || buffering || (!started && resumeAt > 0)) {
+    pipeline->Pause();
+  } else {
+    pipeline->Play();
+  }
 }
 
 void MediaPlayer::Impl::SetState(State wanted) {
+  if (state == wanted) return;
   state = wanted;
-  const GstState gst = wanted == State::Playing ? GST_STATE_PLAYING : GST_STATE_PAUSED;
-  gst_element_set_state(session->pipeline.get(), gst); // a failure comes by the bus
+  begun = Clock::now(); // the time without bytes counts from here
+  ApplyState();
+}
+
+void MediaPlayer::Impl::TellState(State reached) {
+  if (reached != state || told == reached) return;
+  told = reached;
+  listener.StateChanged(reached);
+}
+
+void MediaPlayer::Impl::Fail(const std::string& text) {
+  Leave();
+  state = told = State::Stopped;
+  failure = text;
+}
+
+/// A device that has failed, or was not there, may be back.
+void MediaPlayer::Impl::WatchServer() {
+  if (ownServer) ownServer->Poll();
+  if (!silent || !pipeline || !audioSink.empty() || server->Changes() == serverChanges) return;
+  serverChanges = server->Changes();
+  if (server->CurrentState() != SoundServer::State::Connected || server->Outputs().empty()) return;
+  silent = false;
+  BeginSoon(toldUntil);
 }
 
 void MediaPlayer::Impl::HandleBus() {
-  const Session* current = session.get();
-  // A listener may have begun another session.
-  while (session && session.get() == current) {
-    const Message message(gst_bus_pop(session->bus.get()));
+  const std::uint64_t current = session;
+  while (pipeline && session == current) {
+    const Message message(pipeline->NextMessage());
     if (!message) return;
     Handle(message.get());
   }
 }
 
 void MediaPlayer::Impl::Handle(GstMessage* message) {
-  if (ExplainMissingDecoder(message, session->missing)) return;
+  if (ExplainMissingDecoder(message, missing)) return;
   switch (GST_MESSAGE_TYPE(message)) {
   case GST_MESSAGE_ERROR:
     HandleError(message);
     break;
   case GST_MESSAGE_STATE_CHANGED:
-    if (GST_MESSAGE_SRC(message) == GST_OBJECT(session->pipeline.get())) HandleStart(message);
+    if (pipeline->IsFromPipeline(message)) HandleState(message);
     break;
-  case GST_MESSAGE_TAG:
-    HandleTags(message);
+  case GST_MESSAGE_BUFFERING:
+    HandleBuffering(message);
+    break;
+  case GST_MESSAGE_APPLICATION:
+    if (const auto which = pipeline->DecodedTrack(message)) HandleDecoded(*which);
     break;
   case GST_MESSAGE_EOS:
     HandleEnd();
@@ -154,105 +270,308 @@ void MediaPlayer::Impl::Handle(GstMessage* message) {
 }
 
 void MediaPlayer::Impl::HandleError(GstMessage* message) {
-  GstObject* audio = GST_OBJECT(session->audio.get());
-  GstObject* source = GST_MESSAGE_SRC(message);
-  const bool device = source == audio || gst_object_has_as_ancestor(source, audio) != FALSE;
-  if (device && !silent) {
-    const State wanted = state;
+  if (PlayingPipeline::IsFromRemoved(message)) return;
+  if (pipeline->IsFromSink(message) && !silent) {
     silent = true;
-    Begin(position);
-    if (session) SetState(wanted);
+    BeginSoon(toldUntil);
     return;
   }
-  Fail(About(name, session->missing.empty() ? Explain(message) : session->missing));
-}
-
-/// The pipeline has changed its state: the first time that it is ready for sound, it has started.
-void MediaPlayer::Impl::HandleStart(GstMessage* message) {
-  GstState reached = GST_STATE_NULL;
-  gst_message_parse_state_changed(message, nullptr, &reached, nullptr);
-  if (session->started || reached < GST_STATE_PAUSED) return;
-  session->started = true;
-  if (session->resumeAt > 0) {
-    const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
-    gst_element_seek_simple(session->pipeline.get(), GST_FORMAT_TIME, flags,
-                            static_cast<std::int64_t>(session->resumeAt * kSecond));
-    return; // it had been told before the device failed
+  if (next && pipeline->IsFromTrack(message, next->track)) {
+    DropNext();
+    return;
   }
-  listener.Started(tags);
+  std::string text = missing.empty() ? Explain(message) : missing;
+  if (missing.empty() && pipeline->MediaType(track) == "text/html")
+    text = "is a web page, not sound";
+  if (everPlayed && IsNetwork(medium->uri)) {
+    Lose(text);
+  } else {
+    Fail(About(name, text));
+  }
 }
 
-void MediaPlayer::Impl::HandleTags(GstMessage* message) {
-  if (TakeTags(message, tags) && session->started) listener.TagsChanged(tags);
+void MediaPlayer::Impl::HandleState(GstMessage* message) {
+  GstState reached = GST_STATE_NULL;
+  GstState pending = GST_STATE_NULL;
+  gst_message_parse_state_changed(message, nullptr, &reached, &pending);
+  const std::uint64_t current = session;
+  if (!started && reached >= GST_STATE_PAUSED) Start();
+  if (session != current) return;
+  if (reached == GST_STATE_PLAYING) TellState(State::Playing);
+  if (reached == GST_STATE_PAUSED && pending == GST_STATE_VOID_PENDING) TellState(State::Paused);
+}
+
+/// The first sound is there.
+void MediaPlayer::Impl::Start() {
+  started = true;
+  if (resumeAt > 0) {
+    pipeline->Seek(resumeAt);
+    ApplyState();
+  }
+  everPlayed = true;
+  TakeNewTags();
+  if (!std::exchange(tellStart, false)) return; // the device had failed
+  const std::uint64_t current = session;
+  listener.Started(tags);
+  if (session == current && IsRadio()) listener.StreamTagsChanged(stream);
+}
+
+/// Radio waits until there is enough of it.
+void MediaPlayer::Impl::HandleBuffering(GstMessage* message) {
+  constexpr int kEnough = 100;
+  int percent = 0;
+  gst_message_parse_buffering(message, &percent);
+  if (buffering == (percent < kEnough)) return;
+  buffering = !buffering;
+  ApplyState();
+}
+
+void MediaPlayer::Impl::TakeNewTags() {
+  const std::optional<PlayingPipeline::Tags> found = pipeline->NewTags(track);
+  if (!found) return;
+  stream = found->stream;
+  const std::string fallback = medium->title;
+  if (IsRadio()) {
+    tags = {stream.station.empty() ? fallback : stream.station, {}, {}};
+  } else {
+    tags = found->medium;
+    if (tags.title.empty()) tags.title = fallback;
+  }
+}
+
+void MediaPlayer::Impl::TellNewTags() {
+  const MediaTags before = tags;
+  const StreamTags streamBefore = stream;
+  TakeNewTags();
+  const std::uint64_t current = session;
+  if (tags != before) listener.TagsChanged(tags);
+  if (session == current && stream != streamBefore && IsRadio()) listener.StreamTagsChanged(stream);
+}
+
+void MediaPlayer::Impl::HandleDecoded(int which) {
+  if (!started && resumeAt > 0) return; // it will be decoded again from there
+  decodedTrack = which;
+  if (which != track || released) return;
+  const std::uint64_t current = session;
+  if (!asked) Ask();
+  if (session != current || released) return;
+  released = true;
+  pipeline->ReleaseEnd(track);
 }
 
 void MediaPlayer::Impl::HandleEnd() {
-  const Session* current = session.get();
+  const std::uint64_t current = session;
   TellRecords(kForever);
-  if (session.get() != current) return;
-  session.reset();
-  state = State::Stopped;
+  if (session != current) return;
+  const bool early = IsNetwork(medium->uri) && length && position + kAboutToEnd < *length;
+  if (IsRadio() || early) {
+    Lose("the stream has ended");
+    return;
+  }
+  Leave();
+  state = told = State::Stopped;
   listener.Ended();
 }
 
+bool MediaPlayer::Impl::IsRadio() const {
+  return medium && IsNetwork(medium->uri) && !length && !(pipeline && pipeline->Length());
+}
+
+/// Not all media know it from the beginning.
+void MediaPlayer::Impl::FindLength() {
+  constexpr auto kPause = 500ms;
+  if (asked || !started || Clock::now() - lengthSought < kPause) return;
+  lengthSought = Clock::now();
+  length = pipeline->Length();
+}
+
 void MediaPlayer::Impl::FindPosition() {
-  std::int64_t heard = 0;
-  if (session && session->started &&
-      gst_element_query_position(session->audio.get(), GST_FORMAT_TIME, &heard) != FALSE)
-    position = static_cast<double>(heard) / kSecond;
+  if (!pipeline || !started) return;
+  const std::optional<std::int64_t> now = pipeline->HeardNow();
+  if (!now) return;
+  const std::optional<AnalysisTap::Place> place = pipeline->Tap().At(*now);
+  if (!place || place->track != track) return;
+  heard = *now;
+  position = static_cast<double>(place->position) / kSecond;
+}
+
+/// Whether the next track is heard already.
+void MediaPlayer::Impl::Switch() {
+  const std::optional<std::int64_t> now = pipeline->HeardNow();
+  const auto place = now ? pipeline->Tap().At(*now) : std::nullopt;
+  if (!next || !place || place->track != next->track) return;
+  pipeline->Remove(track);
+  track = next->track;
+  name = next->name;
+  medium = next->medium;
+  next.reset();
+  tags = {medium->title, {}, {}};
+  asked = released = false;
+  length.reset();
+  lengthSought = {};
+  position = toldUntil = 0;
+  TakeNewTags();
+  const std::uint64_t current = session;
+  listener.Started(tags);
+  if (session == current && decodedTrack == track) HandleDecoded(track);
+}
+
+void MediaPlayer::Impl::LookAhead() {
+  const std::uint64_t current = session;
+  Switch();
+  if (session != current) return;
+  FindLength();
+  if (length && !asked && position > *length - kAboutToEnd) Ask();
+}
+
+void MediaPlayer::Impl::Ask() {
+  asked = true;
+  if (!IsNetwork(medium->uri)) listener.AboutToEnd();
+}
+
+void MediaPlayer::Impl::DropNext() {
+  if (next) pipeline->Remove(next->track);
+  next.reset();
 }
 
 void MediaPlayer::Impl::TellRecords(std::int64_t until) {
-  const Session* current = session.get();
-  const auto now = static_cast<std::int64_t>(position * kSecond);
-  const auto from = std::max(now - kStale, static_cast<std::int64_t>(session->resumeAt * kSecond));
-  while (session && session.get() == current && state == State::Playing) {
-    const std::optional<RenderVisualData> record = session->tap->Take(from, until);
-    if (!record) return;
-    listener.Record(*record);
+  const std::uint64_t current = session;
+  const std::int64_t from = heard - offset - kStale;
+  while (pipeline && session == current && state == State::Playing) {
+    const std::optional<AnalysisTap::Timed> timed = pipeline->Tap().Take(from, until);
+    if (!timed) return;
+    const double age = static_cast<double>(heard - timed->time) / kSecond;
+    toldUntil = std::max(0.0, position - age + kRecordSeconds);
+    listener.Record(timed->record);
   }
 }
 
-MediaPlayer::MediaPlayer(Listener& listener, std::string audioSink, SoundServer* /*server*/)
-    : impl_(new Impl{listener, std::move(audioSink), {}, {}, {}, {}, {}, {}, {}, {}}) {}
+/// Whatever comes from the network may stall, and what was lost is tried again.
+void MediaPlayer::Impl::WatchStream() {
+  if (state != State::Playing || !medium || !IsNetwork(medium->uri)) return;
+  const Clock::time_point now = Clock::now();
+  if (retryAt && now >= *retryAt) BeginSoon(IsRadio() ? 0 : toldUntil);
+  if (!pipeline || decodedTrack) return;
+  if (started && now - begun > kRecovered) tries = 0;
+  if (now - std::max(begun, pipeline->LastBytes()) < kStall) return;
+  if (everPlayed) {
+    Lose("nothing came for 10 seconds");
+  } else {
+    Fail(About(name, "does not answer"));
+  }
+}
 
-MediaPlayer::~MediaPlayer() = default;
+void MediaPlayer::Impl::Lose(const std::string& reason) {
+  const bool radio = IsRadio();
+  const std::optional<double> known = length;
+  Leave();
+  length = known;
+  tellStart = radio;
+  retryAt = Clock::now() + kPauses[std::min(tries, kPauses.size() - 1)];
+  ++tries;
+  listener.Reconnecting(About(name, reason));
+}
+
+MediaPlayer::MediaPlayer(Listener& listener, std::string audioSink, SoundServer* server)
+    : impl_(std::make_unique<Impl>(listener, std::move(audioSink), server)) {}
+
+MediaPlayer::~MediaPlayer() {
+  impl_->pipeline.reset();
+  impl_->worker.Finish(kClosePatience);
+}
 
 void MediaPlayer::Open(const std::string& medium) {
-  impl_->name = medium;
-  impl_->silent = false;
-  impl_->Begin(0);
+  Impl& impl = *impl_;
+  impl.name = medium;
+  impl.silent = impl.everPlayed = false;
+  impl.tellStart = true;
+  impl.tries = 0;
+  impl.BeginSoon(0);
+  impl.state = impl.told = State::Playing;
+}
+
+void MediaPlayer::SetNext(const std::string& medium) {
+  Impl& impl = *impl_;
+  if (!impl.pipeline) return;
+  impl.DropNext();
+  if (medium.empty() || impl.released || IsNetwork(impl.medium->uri)) return;
+  std::string error;
+  const std::optional<Medium> found = Find(medium, error);
+  if (!found || IsNetwork(found->uri)) return;
+  if (const std::optional<int> track = impl.pipeline->Join(*found))
+    impl.next = Impl::Next{*track, medium, *found};
 }
 
 void MediaPlayer::Play() {
-  if (impl_->session) {
-    impl_->SetState(State::Playing);
-  } else if (!impl_->name.empty()) {
-    impl_->Begin(0);
+  Impl& impl = *impl_;
+  if (impl.state != State::Stopped) {
+    impl.SetState(State::Playing);
+  } else if (!impl.name.empty()) {
+    Open(std::string(impl.name));
   }
 }
 
 void MediaPlayer::Pause() {
-  if (impl_->session) impl_->SetState(State::Paused);
+  if (impl_->state != State::Stopped) impl_->SetState(State::Paused);
 }
 
 void MediaPlayer::Stop() {
-  impl_->session.reset();
-  impl_->state = State::Stopped;
-  impl_->failure.clear();
-  impl_->position = 0;
+  impl_->Leave();
+  impl_->state = impl_->told = State::Stopped;
+  impl_->position = impl_->toldUntil = 0;
+}
+
+void MediaPlayer::Seek(double seconds) {
+  Impl& impl = *impl_;
+  if (!CanSeek()) return;
+  const double wanted = std::clamp(seconds, 0.0, Length().value_or(seconds));
+  if (impl.released || impl.decodedTrack == impl.track) { // what was to be sought in has gone by
+    impl.BeginSoon(wanted);
+    return;
+  }
+  impl.DropNext();
+  impl.asked = false;
+  impl.position = impl.toldUntil = wanted;
+  impl.pipeline->Seek(wanted);
 }
 
 void MediaPlayer::Poll() {
-  impl_->HandleBus(); // first: a device that has failed may say that it is anywhere
-  impl_->FindPosition();
-  if (impl_->session && impl_->session->started)
-    impl_->TellRecords(static_cast<std::int64_t>(impl_->position * kSecond));
-  if (!impl_->failure.empty()) impl_->listener.Failed(std::exchange(impl_->failure, {}));
+  Impl& impl = *impl_;
+  impl.WatchServer();
+  if (impl.beginAt) impl.Begin();
+  impl.HandleBus(); // first: a device that has failed may say that it is anywhere
+  impl.FindPosition();
+  if (impl.pipeline && impl.started) {
+    impl.TellNewTags();
+    if (impl.pipeline) impl.LookAhead();
+    if (impl.pipeline) impl.TellRecords(impl.heard - impl.offset);
+  }
+  impl.WatchStream();
+  // Nothing that could say so is there while radio is waited for.
+  if (impl.retryAt) impl.TellState(impl.state);
+  if (!impl.failure.empty()) impl.listener.Failed(std::exchange(impl.failure, {}));
+}
+
+void MediaPlayer::SetVolume(double volume) {
+  impl_->volume = std::clamp(volume, 0.0, 1.0);
+  if (impl_->pipeline) impl_->pipeline->SetVolume(impl_->Linear(), impl_->muted);
+}
+
+void MediaPlayer::SetMuted(bool muted) {
+  impl_->muted = muted;
+  if (impl_->pipeline) impl_->pipeline->SetVolume(impl_->Linear(), muted);
+}
+
+void MediaPlayer::SetOffset(int milliseconds) {
+  impl_->offset = std::clamp(milliseconds, -500, 2000) * std::int64_t{GST_MSECOND};
 }
 
 MediaPlayer::State MediaPlayer::CurrentState() const {
   return impl_->state;
+}
+
+const std::string& MediaPlayer::CurrentMedium() const {
+  return impl_->name;
 }
 
 double MediaPlayer::Position() const {
@@ -260,16 +579,21 @@ double MediaPlayer::Position() const {
   return impl_->position;
 }
 
-const std::string& MediaPlayer::CurrentMedium() const {
-  return impl_->name;
+std::optional<double> MediaPlayer::Length() const {
+  if (impl_->length || !impl_->pipeline || impl_->asked) return impl_->length;
+  return impl_->pipeline->Length();
 }
 
-std::optional<double> MediaPlayer::Length() const {
-  std::int64_t length = 0;
-  if (!impl_->session ||
-      gst_element_query_duration(impl_->session->pipeline.get(), GST_FORMAT_TIME, &length) == FALSE)
-    return std::nullopt;
-  return static_cast<double>(length) / kSecond;
+bool MediaPlayer::CanSeek() const {
+  return impl_->pipeline && impl_->started && !impl_->IsRadio() && impl_->pipeline->CanSeek();
+}
+
+double MediaPlayer::Volume() const {
+  return impl_->volume;
+}
+
+bool MediaPlayer::IsMuted() const {
+  return impl_->muted;
 }
 
 } // namespace halvenor

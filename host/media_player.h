@@ -48,8 +48,8 @@ public:
     virtual void Ended() = 0;
     /// One line that names the medium; the player is stopped.
     virtual void Failed(const std::string& error) = 0;
-    /// Radio was lost for that reason (one line that names it) and is tried again by itself; the
-    /// player's state stays as it is. Again before each try.
+    /// Radio was lost for that reason (one line that names it) and is tried again by itself after a
+    /// pause; the player's state stays as it is. Again for every try that fails.
     virtual void Reconnecting(const std::string& /*reason*/) {}
   };
 
@@ -95,8 +95,8 @@ public:
   /// does not depend on it.
   void SetVolume(double volume);
   void SetMuted(bool muted);
-  /// Tells records that much later (or earlier, up to half a second), -2000 to 2000: for outputs
-  /// whose latency the server does not know. 0 at first.
+  /// Tells records that much later, or earlier, -500 to 2000: for outputs whose latency the server
+  /// does not know. 0 at first.
   void SetOffset(int milliseconds);
 
   /// What was last asked for; `Stopped` also after the end and after a failure.

@@ -185,10 +185,10 @@ TEST(AudioReader, TagsNameTheSoundOrElseItsFile) {
   for (const char* const encoder : {"flacenc", "vorbisenc ! oggmux", "opusenc ! oggmux",
                                     "lamemp3enc ! id3v2mux", "avenc_aac ! mp4mux"}) {
     const Content content = Read(folder.Write("x", tagger + encoder, sound));
-    EXPECT_EQ(content.tags, (MediaTags{"Blå \"2\"", "Someone"})) << encoder << content.error;
+    EXPECT_EQ(content.tags, (MediaTags{"Blå \"2\"", "Someone", ""})) << encoder << content.error;
   }
   const std::string untagged = folder.Write("Ünnamed song.v2.wav", "wavenc", sound);
-  EXPECT_EQ(Read(untagged).tags, (MediaTags{"Ünnamed song.v2", ""}));
+  EXPECT_EQ(Read(untagged).tags, (MediaTags{"Ünnamed song.v2", "", ""}));
   EXPECT_EQ(Read("file://" + folder.Path("%C3%9Cnnamed%20song.v2.wav")).tags.title,
             "Ünnamed song.v2");
 }

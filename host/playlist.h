@@ -33,9 +33,8 @@ bool IsPlaylistName(const std::string& medium);
 /// - a playlist file (M3U and M3U8 with titles, PLS, XSPF; by its contents, whatever its name):
 ///   its entries, lists and folders in it opened up in their place, each list only once, eight
 ///   deep. Entries are addresses, file:// URIs, absolute paths, or paths relative to the list's
-///   own folder; a path may lead anywhere, but only to a plain file or folder that is there.
-///   Local entries that are missing and addresses of kinds that are no media are left out, with a
-///   word;
+///   own folder, also as other systems write them; a path may lead anywhere, but only to a plain
+///   file or folder that is there. Others are left out, with a word;
 /// - anything else, an address too: itself.
 ///
 /// Never asks the network. Bounded: lists beyond 64 MiB are refused. May take a second for 10^5

@@ -2,8 +2,10 @@
 
 #include <QtCore/QEvent>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QScreen>
 #include <QtGui/qpa/qplatformnativeinterface.h>
+#include <QtGui/qpa/qplatformscreen.h>
 #include <QtGui/qpa/qplatformwindow.h>
 #include <X11/Xlib.h> // after Qt: it defines common words
 
@@ -25,15 +27,46 @@ std::int16_t PortCoordinate(double pixels) {
   return static_cast<std::int16_t>(std::clamp(pixels, 1.0, kLargest));
 }
 
-// The native window's own size, which no rounding of scale factors has touched.
-Rect NativeBounds(const QPlatformWindow& window) {
-  const QSize size = window.geometry().size();
-  const double scale = window.devicePixelRatio();
-  return {0, 0, PortCoordinate(size.height() * scale), PortCoordinate(size.width() * scale)};
+// The window's own scale. Under Wayland this Qt looks at its screen's only when a window comes to
+// one, not when the scale is changed.
+double NativeScale(const QPlatformWindow& window) {
+  return OnWayland() ? window.screen()->devicePixelRatio() : window.devicePixelRatio();
 }
 
-bool SameSize(const Rect& a, const Rect& b) {
-  return a.bottom == b.bottom && a.right == b.right;
+// The native window's own size, which no rounding of scale factors has touched.
+QSize NativeSize(const QPlatformWindow& window) {
+  const QSize size = window.geometry().size();
+  const double scale = NativeScale(window);
+  return {PortCoordinate(size.width() * scale), PortCoordinate(size.height() * scale)};
+}
+
+struct PortSizes {
+  QSize bounds;
+  QSize output; // empty: the same
+  int scale;
+
+  bool operator==(const PortSizes&) const = default;
+};
+
+PortSizes SizesOf(const HalvenorPort& port) {
+  return {{port.bounds.right, port.bounds.bottom},
+          {port.outputWidth, port.outputHeight},
+          port.waylandScale};
+}
+
+PortSizes SizesFor(const QPlatformWindow& window, QSize picture) {
+  const QSize native = NativeSize(window);
+  const int scale = OnWayland() ? qRound(NativeScale(window)) : 0;
+  const bool isSmaller =
+      picture.width() < native.width() && picture.height() < native.height() && !picture.isEmpty();
+  return isSmaller ? PortSizes{picture, native, scale} : PortSizes{native, {0, 0}, scale};
+}
+
+void SetSizes(HalvenorPort& port, const PortSizes& sizes) {
+  port.bounds = {0, 0, PortCoordinate(sizes.bounds.height()), PortCoordinate(sizes.bounds.width())};
+  port.outputWidth = sizes.output.width();
+  port.outputHeight = sizes.output.height();
+  port.waylandScale = sizes.scale;
 }
 
 void FillX11(HalvenorPort& port, WId window) {
@@ -41,6 +74,9 @@ void FillX11(HalvenorPort& port, WId window) {
   port.kind = kHalvenorPortX11Window;
   port.x11DisplayName = DisplayString(x11->display());
   port.x11Window = window;
+  // What a growing window shows until the next frame.
+  XSetWindowBackground(x11->display(), window,
+                       BlackPixel(x11->display(), DefaultScreen(x11->display())));
 }
 
 void FillWayland(HalvenorPort& port, QWindow& window) {
@@ -56,7 +92,8 @@ DrawingArea::DrawingArea() {
   setSurfaceType(QSurface::RasterSurface);
   // The keyboard stays with the window around it, wherever somebody clicks.
   setFlag(Qt::WindowDoesNotAcceptFocus);
-  connect(this, &QWindow::screenChanged, this, &DrawingArea::UpdateBounds);
+  connect(this, &QWindow::screenChanged, this, &DrawingArea::FollowScreen);
+  FollowScreen(screen());
 }
 
 DrawingArea::~DrawingArea() {
@@ -94,13 +131,26 @@ void DrawingArea::resizeEvent(QResizeEvent*) {
   UpdateBounds();
 }
 
-void DrawingArea::keyPressEvent(QKeyEvent* event) {
-  emit KeyPressed(event);
+void DrawingArea::mouseMoveEvent(QMouseEvent* event) {
+  emit PointerMoved(event->globalPosition().toPoint());
+}
+
+void DrawingArea::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) emit MenuWanted(event->globalPosition().toPoint());
+}
+
+void DrawingArea::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) emit DoubleClicked();
+}
+
+void DrawingArea::SetPictureSize(QSize size) {
+  pictureSize_ = size;
+  UpdateBounds();
 }
 
 void DrawingArea::Appear() {
   port_ = {};
-  port_.bounds = NativeBounds(*handle());
+  SetSizes(port_, SizesFor(*handle(), pictureSize_));
   if (OnX11()) {
     FillX11(port_, winId());
   } else if (OnWayland()) {
@@ -123,11 +173,20 @@ void DrawingArea::Vanish() {
   present_ = false;
 }
 
+// A change of scale shows in the screen's size before all.
+void DrawingArea::FollowScreen(QScreen* screen) {
+  if (screen) {
+    connect(screen, &QScreen::geometryChanged, this, &DrawingArea::UpdateBounds,
+            Qt::UniqueConnection);
+  }
+  UpdateBounds();
+}
+
 void DrawingArea::UpdateBounds() {
   if (!present_ || !handle()) return;
-  const Rect bounds = NativeBounds(*handle());
-  if (SameSize(bounds, port_.bounds)) return;
-  port_.bounds = bounds;
+  const PortSizes sizes = SizesFor(*handle(), pictureSize_);
+  if (sizes == SizesOf(port_)) return;
+  SetSizes(port_, sizes);
   emit Resized();
 }
 

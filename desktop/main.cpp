@@ -2,6 +2,7 @@
 #include "desktop/main_window.h"
 #include "desktop/messages.h"
 #include "desktop/player.h"
+#include "desktop/program_settings.h"
 #include "desktop/quit_signals.h"
 #include "host/install_paths.h"
 #include "host/log_capture.h"
@@ -104,13 +105,13 @@ int ShowWindow(const Arguments& arguments) {
     PrintError(QString::fromStdString(error));
     return EXIT_FAILURE;
   }
-  QSettings settings;
+  ProgramSettings settings;
   Player player(visualizer->Plugin(), settings);
   // The medium begins once, with the first picture.
   QObject::connect(
       visualizer.get(), &Visualizer::Shown, &player, [&] { player.Open({arguments.medium}); },
       Qt::SingleShotConnection);
-  MainWindow window(std::move(visualizer), player, [&log] { return log.TakeText(); });
+  MainWindow window(std::move(visualizer), player, settings, [&log] { return log.TakeText(); });
   QuitSignals quitSignals;
   QObject::connect(&quitSignals, &QuitSignals::Received, &window, [&window] {
     window.close();

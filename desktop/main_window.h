@@ -1,11 +1,10 @@
-// The program's window: the picture, a menu, full screen, and a place for bad news.
+// The program's window: puts together the picture, the menus and what stands around the picture.
 #pragma once
 
-#include "desktop/drawing_area.h"
 #include "desktop/player.h"
 #include "desktop/visualizer.h"
 
-#include <QtWidgets/QLabel>
+#include <QtCore/QSettings>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
@@ -18,9 +17,9 @@ class MainWindow final : public QMainWindow {
   Q_OBJECT
 
 public:
-  /// `player` must outlive the window. `whyNoPicture` is asked for the cause (UTF-8, may be empty)
-  /// when the picture cannot be shown.
-  MainWindow(std::unique_ptr<Visualizer> visualizer, Player& player,
+  /// `player` and `settings`, where the window keeps what people choose in it, must outlive it.
+  /// `whyNoPicture` is asked for the cause (UTF-8, may be empty) when the picture cannot be shown.
+  MainWindow(std::unique_ptr<Visualizer> visualizer, Player& player, QSettings& settings,
              std::function<std::string()> whyNoPicture);
   ~MainWindow() override;
 
@@ -37,37 +36,34 @@ public:
   static QString KeyHelp();
 
 protected:
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  /// Tab is a key like any other: there is nothing here to move the focus to.
-  bool focusNextPrevChild(bool) override { return false; }
 
 private:
-  void MakeContents();
-  void MakeMenus();
-  void Connect();
+  struct Parts;
 
-  void ToggleFullScreen();
-  void LeaveFullScreen();
+  void ConnectPlugin();
+  void ConnectStage();
+  void ConnectCommands();
+
   void Configure();
-  void ShowKeys();
-  void ShowTrack(const QString& title, const QString& artist);
+  void ShowAbout();
+  void ShowMenu(QPoint globalPosition);
+  void ChooseSource();
+  void ShowKeysOnce();
+  void ShowTitle();
   void ReportNoPicture();
   /// Tells of a failure in the window and on standard error.
-  void Report(const QString& line);
+  void Report(const QString& line, bool stays = false);
 
-  struct WindowKey;
-  static const WindowKey kWindowKeys[];
-
-  // In this order: the picture ends before its window does.
-  DrawingArea* area_ = nullptr; ///< owned by `container_`
+  // In this order: the picture ends before its window does, and its window's parts before it.
   std::unique_ptr<Visualizer> visualizer_;
   Player& player_;
+  QSettings& settings_;
   const std::function<std::string()> whyNoPicture_;
-  QWidget* container_ = nullptr;
-  QLabel* notice_ = nullptr;
-  QAction* fullScreenAction_ = nullptr;
+  std::unique_ptr<Parts> parts_;
   bool failed_ = false;
 };
 

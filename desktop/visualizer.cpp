@@ -4,7 +4,19 @@
 
 namespace halvenor {
 
-Visualizer::Visualizer(std::unique_ptr<PreferenceStore> store) : store_(std::move(store)) {}
+namespace {
+
+// A size that somebody drags changes more often than anybody sees; the way into full screen leads
+// through sizes that nobody wants to see.
+constexpr int kResizeMilliseconds = 40;
+constexpr int kSwitchMilliseconds = 150;
+
+} // namespace
+
+Visualizer::Visualizer(std::unique_ptr<PreferenceStore> store) : store_(std::move(store)) {
+  settle_.setSingleShot(true);
+  connect(&settle_, &QTimer::timeout, this, &Visualizer::SetWindow);
+}
 
 std::unique_ptr<Visualizer> Visualizer::Create(const std::filesystem::path& plugin,
                                                std::unique_ptr<PreferenceStore> store,
@@ -28,7 +40,9 @@ Visualizer::~Visualizer() {
 void Visualizer::DrawInto(DrawingArea& area) {
   area_ = &area;
   connect(area_, &DrawingArea::Appeared, this, &Visualizer::Show);
-  connect(area_, &DrawingArea::Resized, this, &Visualizer::SetWindow);
+  connect(area_, &DrawingArea::Resized, this, [this] {
+    if (!settle_.isActive()) settle_.start(kResizeMilliseconds);
+  });
   connect(area_, &DrawingArea::AboutToVanish, this, &Visualizer::Hide);
   if (area_->Port()) Show();
 }
@@ -37,12 +51,13 @@ void Visualizer::TellFullScreen(bool fullScreen) {
   const std::uint32_t options = fullScreen ? kFullScreenOption : 0;
   if (options == windowOptions_) return;
   windowOptions_ = options;
-  SetWindow();
+  settle_.start(kSwitchMilliseconds);
 }
 
 void Visualizer::End() {
   if (area_) area_->disconnect(this);
   area_ = nullptr;
+  settle_.stop();
   plugin_->Cleanup();
 }
 
@@ -57,6 +72,7 @@ Status Visualizer::SetFullScreenOptions(const FullScreenOptions& options) {
 }
 
 void Visualizer::Show() {
+  settle_.stop();
   const GrafPtr port = area_->Port();
   if (plugin_->Show(port, port->bounds, windowOptions_) == status::kOk) {
     emit Shown();
@@ -67,6 +83,7 @@ void Visualizer::Show() {
 }
 
 void Visualizer::Hide() {
+  settle_.stop();
   if (plugin_->IsShown()) plugin_->Hide();
 }
 

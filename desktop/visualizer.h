@@ -6,6 +6,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 #include <filesystem>
 #include <memory>
@@ -63,6 +64,7 @@ private:
   DrawingArea* area_ = nullptr;
   FullScreenOptions wantedFullScreen_;
   std::uint32_t windowOptions_ = 0;
+  QTimer settle_; ///< until the plug-in hears of the area's new size
 };
 
 } // namespace halvenor

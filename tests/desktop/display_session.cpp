@@ -192,6 +192,11 @@ DisplaySession::DisplaySession() : environment_(QProcessEnvironment::systemEnvir
                         QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   environment_.insert("XDG_RUNTIME_DIR", folder_.filePath("runtime"));
   environment_.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
+  // Nobody's first start: that shows a card over the picture.
+  QDir(folder_.path()).mkpath("config/halvenor");
+  QFile settings(folder_.filePath("config/halvenor/halvenor.conf"));
+  EXPECT_TRUE(settings.open(QFile::WriteOnly));
+  settings.write("[window]\nkeysShown=true\n");
 }
 
 DisplaySession::~DisplaySession() {

@@ -1,0 +1,108 @@
+#include "desktop/stage.h"
+
+#include <QtGui/QHideEvent>
+#include <QtGui/QPainter>
+#include <QtGui/QWindow>
+#include <QtWidgets/QVBoxLayout>
+
+namespace halvenor {
+
+Stage::Stage(QWidget& picture, QWidget& bar) : picture_(picture), bar_(bar) {
+  // A home for the keyboard: the menu bar gives it back only to a widget that had it before.
+  setFocusPolicy(Qt::StrongFocus);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins({});
+  layout->setSpacing(0);
+  layout->addWidget(&picture_, 1);
+  layout->addWidget(&bar_);
+  bar_.setAutoFillBackground(true);
+  picture_.hide();
+}
+
+void Stage::ShowBar(bool shown) {
+  bar_.setVisible(shown);
+}
+
+void Stage::AddOverlay(QWidget& overlay, Place place) {
+  overlay.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+  overlay.setAttribute(Qt::WA_ShowWithoutActivating);
+  overlay.setAttribute(Qt::WA_QuitOnClose, false);
+  overlay.installEventFilter(this);
+  overlays_.push_back({&overlay, place, false});
+}
+
+void Stage::ShowOverlay(QWidget& widget, bool shown) {
+  for (Overlay& overlay : overlays_) {
+    if (overlay.widget != &widget) continue;
+    overlay.isWanted = shown;
+    Arrange();
+    ShowNow(overlay);
+  }
+}
+
+// Under Wayland a window finds its place within another one only when that is there; and of
+// several the one that comes last is above the others.
+void Stage::ShowAll() {
+  picture_.show();
+  for (const Overlay& overlay : overlays_)
+    ShowNow(overlay);
+}
+
+void Stage::ShowNow(const Overlay& overlay) {
+  if (!overlay.isWanted) overlay.widget->hide();
+  if (!overlay.isWanted || !isExposed_ || overlay.widget->isVisible()) return;
+  overlay.widget->winId(); // makes the window
+  overlay.widget->windowHandle()->setParent(window()->windowHandle());
+  overlay.widget->show();
+  overlay.widget->raise();
+}
+
+void Stage::Arrange() {
+  const QPoint origin = mapTo(window(), QPoint());
+  int bottom = picture_.isVisible() ? picture_.geometry().bottom() + 1 : height();
+  for (const Overlay& overlay : overlays_) {
+    const QSize wanted = overlay.widget->sizeHint();
+    QRect place(QPoint(), wanted.boundedTo(size()));
+    if (overlay.place == Place::Middle) {
+      place.moveCenter(rect().center());
+    } else if (overlay.isWanted) {
+      place = QRect(0, bottom - wanted.height(), width(), wanted.height());
+      bottom = place.top();
+    }
+    overlay.widget->setGeometry(place.translated(origin));
+  }
+}
+
+// What shows until the first frame, where Qt paints beneath the picture.
+void Stage::paintEvent(QPaintEvent*) {
+  QPainter(this).fillRect(rect(), Qt::black);
+}
+
+void Stage::resizeEvent(QResizeEvent*) {
+  Arrange();
+}
+
+void Stage::showEvent(QShowEvent*) {
+  window()->windowHandle()->installEventFilter(this);
+}
+
+void Stage::hideEvent(QHideEvent* event) {
+  if (event->spontaneous()) return; // minimised: all of it is still there
+  isExposed_ = false;
+  for (const Overlay& overlay : overlays_)
+    overlay.widget->hide();
+  picture_.hide();
+}
+
+bool Stage::eventFilter(QObject* watched, QEvent* event) {
+  const auto* native = qobject_cast<const QWindow*>(watched);
+  if (!native) {
+    if (event->type() == QEvent::LayoutRequest) Arrange(); // of an overlay
+  } else if (event->type() == QEvent::Expose && !isExposed_ && native->isExposed()) {
+    isExposed_ = true;
+    QMetaObject::invokeMethod(this, &Stage::ShowAll, Qt::QueuedConnection);
+  }
+  return false;
+}
+
+} // namespace halvenor

@@ -162,7 +162,7 @@ int Main(int argc, const char* const* argv) {
   if (options.listPresets)
     return ListPresets(plugin) ? 0 : Fail(kFailure, "cannot write to standard output");
   std::string error;
-  if (!options.preset.empty() && !(options.look = ChoosePreset(options.preset, plugin, error)))
+  if (options.preset && !(options.look = ChoosePreset(*options.preset, plugin, error)))
     return Fail(kFailure, error);
 
   const StopSignals stopSignals;

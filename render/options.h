@@ -37,8 +37,8 @@ struct Options {
   FrameRate frameRate{60, 1};
   double startSeconds = 0;
   std::optional<double> durationSeconds;
-  std::string preset;           ///< a name, FILE or FILE#NAME; empty: none
-  std::optional<Settings> look; ///< of `preset`
+  std::optional<std::string> preset; ///< a name, FILE or FILE#NAME
+  std::optional<Settings> look;      ///< of `preset`
   bool listPresets = false;
   std::vector<Assignment> assignments; ///< made after the look
   std::vector<KeyPress> keys;          ///< in the order of their times

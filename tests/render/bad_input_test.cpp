@@ -77,6 +77,7 @@ TEST_F(BadInputTest, CommandLine) {
       {{"s.flac", "-o", "x.png", "--set", "fade"}, "NAME=VALUE"},
       {{"s.flac", "-o", "x.png", "--set", "fade=much"}, "fade"},
       {{"s.flac", "-o", "x.png", "--preset", "Mien"}, "no preset \"Mien\"; did you mean \"Mine\""},
+      {{"s.flac", "-o", "x.png", "--preset", ""}, "see --list-presets"},
       {{"s.flac", "-o", "x.png", "--preset", "?"}, "see --list-presets"},
       {{"s.flac", "-o", "x.png", "--preset", "Broken"}, "broken.preset: is no preset file"},
       {{"s.flac", "-o", "x.png", "--preset", "missing.preset"}, "missing.preset: No such file"},

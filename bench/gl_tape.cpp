@@ -6,7 +6,6 @@
 #include <cstring>
 #include <ctime>
 #include <dlfcn.h>
-#include <new>
 #include <type_traits>
 
 namespace halvenor::bench {
@@ -14,9 +13,11 @@ namespace {
 
 std::atomic<GlTape*> recording = nullptr;
 
+#define HALVENOR_GL_ENUMERATOR(arity, name, kinds) name,
+enum class Function : std::size_t { HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_ENUMERATOR) };
+
 #define HALVENOR_GL_NAME(arity, name, kinds) #name,
 constexpr const char* kNames[] = {HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_NAME)};
-#undef HALVENOR_GL_NAME
 
 // What ends one part of a frame and begins another.
 constexpr struct {
@@ -50,17 +51,10 @@ void Record(GlTape& tape, Arguments... arguments) {
     if constexpr (std::is_same_v<decltype(first), const GLenum>)
       tape.Enter(static_cast<std::size_t>(F), first);
   }
-  GlTape::Call call{};
-  static_assert(sizeof(Values) <= sizeof call.arguments);
-  static_assert(alignof(Values) <= alignof(void*));
-  auto* const values = new (call.arguments.data()) Values(arguments...);
+  Values values(arguments...);
   if constexpr (F == Function::glInterleavedArrays)
-    std::get<2>(*values) = tape.Keep(std::get<2>(*values));
-  call.play = [](const GlTape::Call& recorded) {
-    std::apply(Driver<F, Result, Arguments...>::call,
-               *std::launder(reinterpret_cast<const Values*>(recorded.arguments.data())));
-  };
-  tape.Add(call);
+    std::get<2>(values) = tape.Keep(std::get<2>(values));
+  tape.Add([values] { std::apply(Driver<F, Result, Arguments...>::call, values); });
 }
 
 // What a steady frame consists of. Pixel storage is the affair of the read-back, which the driver
@@ -71,7 +65,7 @@ constexpr bool kIsOfFrame = F == Function::glInterleavedArrays ||
                              !(std::is_pointer_v<Arguments> || ...));
 
 template <Function F, class Result, class... Arguments>
-Result Serve(Arguments... arguments) {
+Result Serve(const char* /*kinds*/, Arguments... arguments) {
   if constexpr (kIsOfFrame<F, Arguments...>) {
     if (GlTape* const tape = recording.load(std::memory_order_relaxed))
       Record<F, Result>(*tape, arguments...);
@@ -111,13 +105,12 @@ void GlTape::Stop() {
   recording = nullptr;
 }
 
-void GlTape::Add(Call call) {
+void GlTape::Add(std::function<void()> play) {
   if (calls_.empty()) {
     display_ = eglGetCurrentDisplay();
     context_ = eglGetCurrentContext();
   }
-  call.part = part_;
-  calls_.push_back(call);
+  calls_.push_back({std::move(play), part_});
 }
 
 void GlTape::Enter(std::size_t function, unsigned name) {
@@ -132,7 +125,7 @@ void GlTape::Enter(std::size_t function, unsigned name) {
 void GlTape::Play() const {
   const Current current(*this);
   for (const Call& call : calls_)
-    call.play(call);
+    call.play();
   glFinish();
 }
 
@@ -152,7 +145,7 @@ PartTimes GlTape::PlayInParts() const {
       end();
       part = call.part;
     }
-    call.play(call);
+    call.play();
   }
   end();
   return times;
@@ -175,4 +168,5 @@ const Spectrum::Vertex* GlTape::Keep(const void* vertices) {
 
 } // namespace halvenor::bench
 
-HALVENOR_BENCH_FUNCTIONS(HALVENOR_DEFINE_GL)
+#define HALVENOR_GL_HERE halvenor::bench
+HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_DEFINE)

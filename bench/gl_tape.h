@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace halvenor::bench {
@@ -43,19 +44,18 @@ public:
 
   [[nodiscard]] std::size_t Length() const { return calls_.size(); }
 
-  struct Call {
-    void (*play)(const Call& call);
-    alignas(void*) std::array<std::byte, 24> arguments;
-    Part part;
-  };
   /// Adds one call. The vertices are copied: the plug-in will have others by then.
-  void Add(Call call);
+  void Add(std::function<void()> play);
   /// Has the part that `function`, with a first argument of `name`, begins begin.
   void Enter(std::size_t function, unsigned name);
   const Spectrum::Vertex* Keep(const void* vertices);
 
 private:
   class Current;
+  struct Call {
+    std::function<void()> play;
+    Part part;
+  };
 
   std::vector<Call> calls_;
   Part part_ = Part::Feedback;

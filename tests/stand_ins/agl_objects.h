@@ -5,31 +5,75 @@
 #include "tests/stand_ins/recording.h"
 
 #include <array>
-#include <atomic>
-#include <cstdint>
-#include <string>
+#include <memory>
+#include <mutex>
 #include <utility>
-#include <vector>
+
+namespace halvenor::stand_ins {
+
+/// Numbers count in the order of making.
+struct Numbered {
+  int number = 0;
+  Relaxed<bool> destroyed{false};
+};
+
+} // namespace halvenor::stand_ins
 
 // Plain members are the ones that the caller has to serialise; the thread sanitizer sees whether
 // it does. The others serve the checks.
-struct HalvenorContext {
-  int number = 0;
-  std::atomic<bool> destroyed{false};
-  std::atomic<int> current_on{0}; // number of a thread, 0: none
+struct HalvenorPixelFormat : halvenor::stand_ins::Numbered {};
+struct HalvenorContext : halvenor::stand_ins::Numbered {
+  halvenor::stand_ins::Relaxed<int> current_on{0}; // number of a thread, 0: none
+  halvenor::stand_ins::Relaxed<int> live_pbuffers{0};
   GrafPtr port = nullptr;
   GrafPtr last_port = nullptr;
   AGLPbuffer pbuffer = nullptr;  // only while `port` is null
   bool target_destroyed = false; // what drawing was directed to, and nothing since
   Rect port_bounds{};
-  std::array<GLint, 4> buffer_rect{};
-  bool buffer_rect_enabled = false;
-  GLint buffer_name = 0;
   std::vector<std::uint8_t> frame;
-  std::atomic<int> live_pbuffers{0};
+};
+struct HalvenorPBuffer : halvenor::stand_ins::Numbered {
+  AGLContext context = nullptr;
+  GLuint texture = 0;
 };
 
 namespace halvenor::stand_ins {
+
+/// All objects of one kind. They stay in memory after their end, until Reset, so that a later use
+/// is told and not a crash.
+template <class Object>
+class Objects {
+public:
+  Object* Make() {
+    const std::lock_guard lock(mutex_);
+    Object* made = all_.emplace_back(std::make_unique<Object>()).get();
+    made->number = static_cast<int>(all_.size());
+    live_.Add(1);
+    return made;
+  }
+  /// Whether it was there until now.
+  bool End(Object* object) {
+    const bool first = !object->destroyed.Exchange(true);
+    if (first) live_.Add(-1);
+    return first;
+  }
+  [[nodiscard]] std::int64_t Live() const { return live_; }
+  void Reset() {
+    const std::lock_guard lock(mutex_);
+    all_.clear();
+    live_ = 0;
+  }
+
+private:
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<Object>> all_;
+  Relaxed<std::int64_t> live_{0};
+};
+
+// Never destroyed: threads may still draw while the program ends.
+inline Objects<HalvenorPixelFormat>& formats = *new Objects<HalvenorPixelFormat>;
+inline Objects<HalvenorContext>& contexts = *new Objects<HalvenorContext>;
+inline Objects<HalvenorPBuffer>& pbuffers = *new Objects<HalvenorPBuffer>;
 
 [[nodiscard]] AGLContext CurrentContext();
 
@@ -40,53 +84,55 @@ void LeaveError(GLenum error);
 /// Leaves the error and is false.
 GLboolean Refuse(GLenum error);
 
-void ReportContextMisuse(Function function, const HalvenorContext* context, const char* what);
+/// "aglFoo: context 1 is ..."
+void ReportMisuseOf(Function function, const std::string& object, const char* what);
 
-/// Null contexts, spent ones and injected faults, for every function that takes a context.
+/// Whether nothing keeps `context` from being used, but for a fault, which leaves its error.
 [[nodiscard]] bool MayGoOn(Function function, AGLContext context, unsigned fault);
 
-/// Numbers in the order of making, or of appearance; 0 for null.
-[[nodiscard]] int NumberOf(AGLContext context);
-[[nodiscard]] int NumberOf(AGLPixelFormat format);
-[[nodiscard]] int NumberOf(AGLPbuffer pbuffer);
-[[nodiscard]] int NumberOf(GrafPtr port);
+/// How an argument is shown.
+template <class Object>
+std::pair<std::string, double> Shown(const char* what, const Object* object) {
+  if (object == nullptr) return {"null", 0.0};
+  return {what + std::to_string(object->number), object->number};
+}
+inline auto Show(AGLContext context) {
+  return Shown("context ", context);
+}
+inline auto Show(AGLPixelFormat format) {
+  return Shown("format ", format);
+}
+inline auto Show(AGLPbuffer pbuffer) {
+  return Shown("pbuffer ", pbuffer);
+}
+inline auto Show(GLint number) {
+  return std::pair<std::string, double>(NumberText(number), number);
+}
+inline auto Show(GLenum value) {
+  return std::pair<std::string, double>(EnumerantText(value), value);
+}
+/// Ports are numbered in the order of appearance.
+std::pair<std::string, double> Show(GrafPtr port);
 
-/// Puts the arguments of one call together.
-class Line {
-public:
-  explicit Line(Function function) : function_(function), recording_(Recording()) {}
-  ~Line() {
-    if (recording_) Record(function_, parts_, std::move(arguments_));
+/// Enters the function and records the call.
+template <class... Values>
+[[nodiscard]] unsigned Begin(Function function, Values... values) {
+  const unsigned fault = Enter(function);
+  if (Recording()) {
+    Arguments shown;
+    [[maybe_unused]] const auto add = [&shown](auto part) {
+      shown.Add(std::move(part.first), part.second);
+    };
+    (add(Show(values)), ...);
+    Record(function, std::move(shown));
   }
-  Line(const Line&) = delete;
-  Line& operator=(const Line&) = delete;
+  return fault;
+}
 
-  Line& operator<<(GLint number) { return recording_ ? Add(NumberText(number), number) : *this; }
-  Line& operator<<(AGLContext context) { return Handle("context ", context); }
-  Line& operator<<(AGLPixelFormat format) { return Handle("format ", format); }
-  Line& operator<<(AGLPbuffer pbuffer) { return Handle("pbuffer ", pbuffer); }
-  Line& operator<<(GrafPtr port) { return Handle("port ", port); }
-  Line& Named(const char* name, GLint value) { return recording_ ? Add(name, value) : *this; }
-  Line& Enumerant(GLenum value) { return recording_ ? Add(EnumerantText(value), value) : *this; }
-
-private:
-  template <class T>
-  Line& Handle(const char* what, T handle) {
-    if (!recording_) return *this;
-    const int number = NumberOf(handle);
-    return Add(number == 0 ? "null" : what + std::to_string(number), number);
-  }
-
-  Line& Add(std::string part, double argument) {
-    parts_.push_back(std::move(part));
-    arguments_.push_back(argument);
-    return *this;
-  }
-
-  Function function_;
-  bool recording_;
-  std::vector<std::string> parts_;
-  std::vector<double> arguments_;
-};
+/// The same for a function of `context`, and whether it may go on.
+template <class... Values>
+[[nodiscard]] bool BeginWith(Function function, AGLContext context, Values... values) {
+  return MayGoOn(function, context, Begin(function, context, values...));
+}
 
 } // namespace halvenor::stand_ins

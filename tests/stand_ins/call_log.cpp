@@ -1,7 +1,6 @@
 #include "tests/stand_ins/recording.h"
 
 #include <array>
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -13,25 +12,17 @@ namespace {
 
 using Hook = std::function<void()>;
 
-// What is set for one function. Relaxed atomics throughout: the stand-ins must not put threads in
-// order that the code under test leaves unordered.
+// What is set for one function.
 struct Entry {
-  const char* name;
-  std::atomic<std::uint64_t> calls{0};
-  std::atomic<unsigned> error{0};
-  std::atomic<std::uint64_t> first_failing{0}; // in terms of `calls`, counted from 1
-  std::atomic<std::uint64_t> failing{0};
+  Relaxed<std::uint64_t> calls{0};
+  Relaxed<unsigned> error{0};
+  Relaxed<std::uint64_t> first_failing{0}; // in terms of `calls`, counted from 1
+  Relaxed<std::uint64_t> failing{0};
   std::atomic<const Hook*> hook{nullptr};
 };
+std::array<Entry, static_cast<std::size_t>(Function::kCount)> entries;
 
-#define HALVENOR_GL_ENTRY(arity, name, kinds) Entry{#name},
-#define HALVENOR_PLATFORM_ENTRY(name) Entry{#name},
-Entry entries[] = {HALVENOR_GL_FUNCTIONS(HALVENOR_GL_ENTRY)
-                       HALVENOR_PLATFORM_FUNCTIONS(HALVENOR_PLATFORM_ENTRY)};
-#undef HALVENOR_GL_ENTRY
-#undef HALVENOR_PLATFORM_ENTRY
-
-std::atomic<bool> silent{false};
+Relaxed<bool> silent{false};
 
 struct Log {
   std::mutex mutex;
@@ -46,38 +37,50 @@ Log& TheLog() {
   return log;
 }
 
+#define HALVENOR_GL_NAME(arity, name, kinds) #name ", "
+#define HALVENOR_TEXT(...) #__VA_ARGS__
+#define HALVENOR_TEXT_OF(list) HALVENOR_TEXT(list)
+const std::vector<std::string_view>& function_names = *new std::vector(SplitList(
+    HALVENOR_GL_FUNCTIONS(HALVENOR_GL_NAME) HALVENOR_TEXT_OF(HALVENOR_PLATFORM_FUNCTIONS)));
+
 Entry& EntryOf(Function function) {
-  return entries[static_cast<std::size_t>(function)];
+  return entries.at(static_cast<std::size_t>(function));
 }
 
 Entry& EntryOf(std::string_view name) {
-  for (Entry& entry : entries) {
-    if (name == entry.name) return entry;
-  }
-  std::fprintf(stderr, "no stand-in has a function %.*s\n", static_cast<int>(name.size()),
-               name.data());
+  for (std::size_t i = 0; i < function_names.size(); ++i)
+    if (function_names[i] == name) return entries.at(i);
+  std::fprintf(stderr, "no stand-in has a function %s\n", std::string(name).c_str());
   std::abort();
 }
 
 } // namespace
 
-const char* NameOf(Function function) {
-  return EntryOf(function).name;
+std::vector<std::string_view> SplitList(std::string_view list, std::string_view separator) {
+  std::vector<std::string_view> parts;
+  for (std::size_t at = 0; at < list.size();) {
+    const std::size_t end = std::min(list.find(separator, at), list.size());
+    parts.push_back(list.substr(at, end - at));
+    at = end + separator.size();
+  }
+  return parts;
+}
+
+std::string_view NameOf(Function function) {
+  return function_names.at(static_cast<std::size_t>(function));
 }
 
 unsigned Enter(Function function) {
   Entry& entry = EntryOf(function);
   if (const Hook* hook = entry.hook.load(std::memory_order_acquire)) (*hook)();
-  const std::uint64_t call = entry.calls.fetch_add(1, std::memory_order_relaxed) + 1;
-  const std::uint64_t count = entry.failing.load(std::memory_order_relaxed);
-  if (count == 0) return 0;
-  const std::uint64_t first = entry.first_failing.load(std::memory_order_relaxed);
-  const bool fails = call >= first && call - first < count;
-  return fails ? entry.error.load(std::memory_order_relaxed) : 0;
+  const std::uint64_t call = entry.calls.Add(1) + 1;
+  const std::uint64_t first = entry.first_failing;
+  const bool fails = call >= first && call - first < entry.failing;
+  return fails ? unsigned{entry.error} : 0U;
 }
 
 bool Recording() {
-  return !silent.load(std::memory_order_relaxed);
+  return !silent;
 }
 
 std::string NumberText(double value) {
@@ -86,16 +89,15 @@ std::string NumberText(double value) {
   return text;
 }
 
-void Record(Function function, const std::vector<std::string>& parts, std::vector<double> arguments,
-            std::vector<Vertex> vertices) {
+void Record(Function function, Arguments arguments, std::vector<Vertex> vertices) {
   std::string text = std::string(NameOf(function)) + "(";
-  for (std::size_t i = 0; i < parts.size(); ++i)
-    text += (i == 0 ? "" : ", ") + parts[i];
+  for (const std::string& part : arguments.parts)
+    text += (text.back() == '(' ? "" : ", ") + part;
   text += ")";
   Log& log = TheLog();
   const std::lock_guard lock(log.mutex);
   log.calls.push_back(
-      {NameOf(function), std::move(text), std::move(arguments), std::move(vertices)});
+      {NameOf(function), std::move(text), std::move(arguments.numbers), std::move(vertices)});
 }
 
 void ReportMisuse(std::string line) {
@@ -106,9 +108,8 @@ void ReportMisuse(std::string line) {
 }
 
 std::vector<Call> Calls() {
-  Log& log = TheLog();
-  const std::lock_guard lock(log.mutex);
-  return log.calls;
+  const std::lock_guard lock(TheLog().mutex);
+  return TheLog().calls;
 }
 
 std::vector<std::string> CallTexts() {
@@ -119,50 +120,49 @@ std::vector<std::string> CallTexts() {
 }
 
 std::vector<Call> CallsOf(std::string_view function) {
-  const std::string_view name = EntryOf(function).name;
+  (void)EntryOf(function); // a name that there is
   std::vector<Call> calls = Calls();
-  std::erase_if(calls, [&](const Call& call) { return call.function != name; });
+  std::erase_if(calls, [&](const Call& call) { return call.function != function; });
   return calls;
 }
 
+std::vector<std::string> Listed(std::string_view calls) {
+  const auto texts = SplitList(calls, "; ");
+  return {texts.begin(), texts.end()};
+}
+
 void ClearCalls() {
-  Log& log = TheLog();
-  const std::lock_guard lock(log.mutex);
-  log.calls.clear();
+  const std::lock_guard lock(TheLog().mutex);
+  TheLog().calls.clear();
 }
 
 std::uint64_t CallCount(std::string_view function) {
-  return EntryOf(function).calls.load(std::memory_order_relaxed);
+  return EntryOf(function).calls;
 }
 
 void SetSilent(bool on) {
-  silent.store(on, std::memory_order_relaxed);
+  silent = on;
 }
 
 void Fail(std::string_view function, unsigned error, std::uint64_t first, std::uint64_t count) {
   Entry& entry = EntryOf(function);
-  entry.failing.store(0, std::memory_order_relaxed);
-  entry.error.store(error, std::memory_order_relaxed);
-  entry.first_failing.store(entry.calls.load(std::memory_order_relaxed) + first,
-                            std::memory_order_relaxed);
-  entry.failing.store(count, std::memory_order_relaxed);
+  entry.failing = 0;
+  entry.error = error;
+  entry.first_failing = entry.calls + first;
+  entry.failing = count;
 }
 
 void OnCall(std::string_view function, std::function<void()> hook) {
-  Entry& entry = EntryOf(function);
+  Log& log = TheLog();
+  const std::lock_guard lock(log.mutex);
   const Hook* kept = nullptr;
-  if (hook) {
-    Log& log = TheLog();
-    const std::lock_guard lock(log.mutex);
-    kept = log.hooks.emplace_back(std::make_unique<const Hook>(std::move(hook))).get();
-  }
-  entry.hook.store(kept, std::memory_order_release);
+  if (hook) kept = log.hooks.emplace_back(std::make_unique<const Hook>(std::move(hook))).get();
+  EntryOf(function).hook.store(kept, std::memory_order_release);
 }
 
 std::vector<std::string> Misuses() {
-  Log& log = TheLog();
-  const std::lock_guard lock(log.mutex);
-  return log.misuses;
+  const std::lock_guard lock(TheLog().mutex);
+  return TheLog().misuses;
 }
 
 void Reset() {

@@ -42,6 +42,8 @@ struct Call {
 [[nodiscard]] std::vector<std::string> CallTexts();
 [[nodiscard]] std::vector<Call> CallsOf(std::string_view function);
 void ClearCalls();
+/// "a; b; c" as the texts of three calls; a last "; " may follow.
+[[nodiscard]] std::vector<std::string> Listed(std::string_view calls);
 
 /// How often `function` was called since `Reset`; counts in silence, too.
 [[nodiscard]] std::uint64_t CallCount(std::string_view function);

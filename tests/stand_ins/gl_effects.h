@@ -5,38 +5,99 @@
 
 #include <GL/gl.h>
 
-#include <vector>
+#include <array>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <utility>
 
 namespace halvenor::stand_ins {
-
-/// Reports what is wrong with a call of `function` at this moment.
-void CheckUse(Function function);
-
-/// Copies of the vertices that glDrawArrays is to draw.
-[[nodiscard]] std::vector<Vertex> DrawnVertices(GLint first, GLsizei count);
 
 template <Function>
 struct Of {};
 
-// A function without an effect here does nothing and gives 0.
-void Do(Of<Function::glBegin>, GLenum mode);
-void Do(Of<Function::glEnd>);
-GLuint Do(Of<Function::glGenLists>, GLsizei range);
-void Do(Of<Function::glDeleteLists>, GLuint base, GLsizei range);
-GLenum Do(Of<Function::glGetError>);
-void Do(Of<Function::glInterleavedArrays>, GLenum format, GLsizei stride, const void* pointer);
-void Do(Of<Function::glEnable>, GLenum capability);
-void Do(Of<Function::glDisable>, GLenum capability);
-void Do(Of<Function::glGenTextures>, GLsizei count, GLuint* names);
-void Do(Of<Function::glDeleteTextures>, GLsizei count, const GLuint* names);
-void Do(Of<Function::glBindTexture>, GLenum target, GLuint name);
-void Do(Of<Function::glGenProgramsARB>, GLsizei count, GLuint* names);
-void Do(Of<Function::glDeleteProgramsARB>, GLsizei count, const GLuint* names);
-void Do(Of<Function::glBindProgramARB>, GLenum target, GLuint name);
-void Do(Of<Function::glProgramStringARB>, GLenum target, GLenum format, GLsizei length,
-        const void* text);
-void Do(Of<Function::glGetIntegerv>, GLenum name, GLint* value);
-const GLubyte* Do(Of<Function::glGetString>, GLenum name);
-GLboolean Do(Of<Function::gluCheckExtension>, const GLubyte* name, const GLubyte* list);
+/// The names of one kind of object, each given out once. Without a lock, as frames ask for them.
+class Names {
+public:
+  void Generate(GLsizei count, GLuint* names);
+  /// Names that are not there are a misuse.
+  void Delete(Function function, GLsizei count, const GLuint* names);
+  void CheckUse(Function function, GLuint name) const;
+  [[nodiscard]] bool IsLive(GLuint name) const { return name < live_.size() && live_[name]; }
+  [[nodiscard]] std::int64_t Count() const { return count_; }
+  void Reset();
+
+private:
+  std::array<Relaxed<bool>, 4096> live_{};
+  Relaxed<GLuint> next_{1};
+  Relaxed<std::int64_t> count_{0};
+};
+
+struct ProgramError {
+  GLint position = -1;
+  std::string text;
+};
+
+inline constexpr char kAllExtensions[] = "GL_ARB_fragment_program GL_ARB_vertex_program";
+
+class GlState {
+public:
+  /// Reports what is wrong with a call of `function` at this moment.
+  void CheckUse(Function function) const;
+  /// Copies of the vertices that glDrawArrays is to draw.
+  [[nodiscard]] std::vector<Vertex> DrawnVertices(GLint first, GLsizei count) const;
+
+  // A function that has no overload here does nothing and gives 0.
+  void Do(Of<Function::glBegin>, GLenum /*mode*/) { in_primitive = true; }
+  void Do(Of<Function::glEnd>);
+  GLuint Do(Of<Function::glGenLists>, GLsizei range);
+  void Do(Of<Function::glDeleteLists>, GLuint base, GLsizei range);
+  GLenum Do(Of<Function::glGetError>);
+  void Do(Of<Function::glInterleavedArrays>, GLenum format, GLsizei stride, const void* pointer);
+  void Do(Of<Function::glEnable>, GLenum capability) { SetEnabled(capability, true); }
+  void Do(Of<Function::glDisable>, GLenum capability) { SetEnabled(capability, false); }
+  void Do(Of<Function::glGenTextures>, GLsizei count, GLuint* names) {
+    textures.Generate(count, names);
+  }
+  void Do(Of<Function::glDeleteTextures>, GLsizei count, const GLuint* names);
+  void Do(Of<Function::glBindTexture>, GLenum target, GLuint name);
+  void Do(Of<Function::glGenProgramsARB>, GLsizei count, GLuint* names) {
+    programs.Generate(count, names);
+  }
+  void Do(Of<Function::glDeleteProgramsARB> which, GLsizei count, const GLuint* names);
+  void Do(Of<Function::glBindProgramARB>, GLenum target, GLuint name);
+  void Do(Of<Function::glProgramStringARB>, GLenum target, GLenum format, GLsizei length,
+          const void* text);
+  void Do(Of<Function::glGetIntegerv>, GLenum name, GLint* value);
+  const GLubyte* Do(Of<Function::glGetString>, GLenum name);
+  GLboolean Do(Of<Function::gluCheckExtension>, const GLubyte* name, const GLubyte* list);
+
+  static inline thread_local bool in_primitive = false; // between glBegin and glEnd
+  Relaxed<GLenum> array_format{0};
+  Relaxed<GLsizei> array_stride{0};
+  Relaxed<const void*> array{nullptr};
+  Relaxed<GLuint> next_list{1};
+  Relaxed<std::int64_t> live_lists{0};
+  Names textures;
+  Names programs;
+  Relaxed<GLuint> bound_texture{0};
+  Relaxed<bool> texturing{false};
+  std::array<Relaxed<GLuint>, 2> bound_programs{}; // for vertices, for fragments
+  std::string extensions = kAllExtensions;
+
+  Relaxed<std::size_t> error_count{0}; // so that reading no error takes no lock
+  std::mutex mutex;                    // for what follows
+  std::deque<GLenum> errors;
+  std::map<GLuint, std::string> program_texts;
+  ProgramError program_error;
+  std::deque<ProgramError> injected;
+
+private:
+  void SetEnabled(GLenum capability, bool enabled) {
+    if (capability == GL_TEXTURE_2D) texturing = enabled;
+  }
+};
+
+[[nodiscard]] GlState& TheGl();
 
 } // namespace halvenor::stand_ins

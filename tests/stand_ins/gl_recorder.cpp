@@ -1,56 +1,66 @@
 #define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/gl_recorder.h"
 
+#include "platform/agl.h"
+#include "tests/stand_ins/gl_definitions.h"
 #include "tests/stand_ins/gl_effects.h"
-#include "tests/stand_ins/recording.h"
-
-#include <GL/glext.h>
-#include <GL/glu.h>
 
 #include <cstdio>
 #include <span>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
 namespace halvenor::stand_ins {
 namespace {
 
-// ---- How arguments are shown ----
-
-struct NamedValue {
-  GLenum value;
-  const char* name;
+// Values with the names under which they are shown.
+struct NamedValues {
+  std::vector<std::string_view> names;
+  std::vector<GLenum> values;
 };
-#define HALVENOR_NAMED_VALUE(name) {name, #name},
-constexpr NamedValue kEnumerants[] = {HALVENOR_GL_ENUMERANTS(HALVENOR_NAMED_VALUE)};
-constexpr NamedValue kBlendFactors[] = {HALVENOR_GL_BLEND_FACTORS(HALVENOR_NAMED_VALUE)};
-constexpr NamedValue kPrimitives[] = {HALVENOR_GL_PRIMITIVES(HALVENOR_NAMED_VALUE)};
-constexpr NamedValue kClearBits[] = {HALVENOR_GL_CLEAR_BITS(HALVENOR_NAMED_VALUE)};
-#undef HALVENOR_NAMED_VALUE
+#define HALVENOR_NAMED(...)                                                                        \
+  {                                                                                                \
+    SplitList(#__VA_ARGS__), {                                                                     \
+      __VA_ARGS__                                                                                  \
+    }                                                                                              \
+  }
+// Blend factors and primitives share small numbers with others.
+const NamedValues kEnumerants = HALVENOR_NAMED(
+    AGL_BUFFER_NAME, AGL_BUFFER_RECT, GL_BGRA, GL_BLEND, GL_CLAMP, GL_CLAMP_TO_EDGE, GL_DEPTH_TEST,
+    GL_EXTENSIONS, GL_FRAGMENT_PROGRAM_ARB, GL_FRONT, GL_LINEAR, GL_LINEAR_MIPMAP_LINEAR,
+    GL_LINE_SMOOTH, GL_NEAREST, GL_NICEST, GL_PACK_ALIGNMENT, GL_PERSPECTIVE_CORRECTION_HINT,
+    GL_PROGRAM_ERROR_POSITION_ARB, GL_PROGRAM_ERROR_STRING_ARB, GL_PROGRAM_FORMAT_ASCII_ARB,
+    GL_REPEAT, GL_RGB, GL_RGBA, GL_T2F_V3F, GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER,
+    GL_TEXTURE_MIN_FILTER, GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_UNPACK_ALIGNMENT,
+    GL_UNPACK_ROW_LENGTH, GL_UNSIGNED_BYTE, GL_UNSIGNED_INT_8_8_8_8_REV, GL_V2F, GL_V3F,
+    GL_VERTEX_PROGRAM_ARB);
+const NamedValues kBlendFactors =
+    HALVENOR_NAMED(GL_ZERO, GL_ONE, GL_SRC_COLOR, GL_ONE_MINUS_SRC_COLOR, GL_SRC_ALPHA,
+                   GL_ONE_MINUS_SRC_ALPHA, GL_DST_COLOR, GL_ONE_MINUS_DST_COLOR);
+const NamedValues kPrimitives =
+    HALVENOR_NAMED(GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP, GL_TRIANGLES,
+                   GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN, GL_QUADS);
+const NamedValues kClearBits =
+    HALVENOR_NAMED(GL_COLOR_BUFFER_BIT, GL_DEPTH_BUFFER_BIT, GL_STENCIL_BUFFER_BIT);
+#undef HALVENOR_NAMED
 
-std::string Hexadecimal(GLenum value) {
+std::string NameIn(const NamedValues& known, GLenum value) {
+  for (std::size_t i = 0; i < known.values.size(); ++i)
+    if (known.values[i] == value) return std::string(known.names[i]);
   char text[16];
   std::snprintf(text, sizeof text, "0x%04X", value);
   return text;
 }
 
-std::string NameIn(std::span<const NamedValue> names, GLenum value) {
-  for (const NamedValue& known : names) {
-    if (known.value == value) return known.name;
-  }
-  return Hexadecimal(value);
-}
-
 std::string MaskText(GLbitfield mask) {
   std::string text;
-  for (const NamedValue& bit : kClearBits) {
-    if ((mask & bit.value) == 0) continue;
-    text.append(text.empty() ? "" : " | ").append(bit.name);
-    mask &= ~bit.value;
+  for (const GLenum bit : kClearBits.values) {
+    if ((mask & bit) == 0) continue;
+    text += (text.empty() ? "" : " | ") + NameIn(kClearBits, bit);
+    mask &= ~bit;
   }
-  if (mask != 0 || text.empty()) text.append(text.empty() ? "" : " | ").append(Hexadecimal(mask));
-  return text;
+  if (mask == 0 && !text.empty()) return text;
+  return text + (text.empty() ? "" : " | ") + NameIn(kClearBits, mask);
 }
 
 std::string ArgumentText(char kind, double value) {
@@ -69,71 +79,47 @@ std::string ArgumentText(char kind, double value) {
   }
 }
 
-// The arguments of one call as they are recorded.
-struct Shown {
-  std::vector<std::string> parts;
-  std::vector<double> numbers;
-
-  template <class Argument>
-  void Add(char kind, Argument argument) {
-    if constexpr (std::is_same_v<Argument, const GLuint*>) {
-      // The argument before says how many names there are.
-      const auto count = argument == nullptr || numbers.back() < 0 ? 0 : numbers.back();
-      for (const GLuint name : std::span(argument, static_cast<std::size_t>(count)))
-        Add('n', name);
-    } else if constexpr (std::is_pointer_v<Argument>) {
-      numbers.push_back(argument == nullptr ? 0.0 : 1.0);
-      parts.emplace_back(argument == nullptr ? "null" : "pointer");
-      if constexpr (std::is_same_v<Argument, const GLubyte*>) {
-        if (argument == nullptr) return;
-        parts.back() = std::string("\"") + reinterpret_cast<const char*>(argument) + "\"";
-      }
-    } else {
-      numbers.push_back(static_cast<double>(argument));
-      parts.push_back(ArgumentText(kind, numbers.back()));
+template <class T>
+void Show(Arguments& shown, char kind, T argument) {
+  if constexpr (std::is_same_v<T, const GLuint*>) {
+    // The argument before says how many names there are.
+    const auto count = argument == nullptr || shown.numbers.back() < 0 ? 0 : shown.numbers.back();
+    for (const GLuint name : std::span(argument, static_cast<std::size_t>(count)))
+      Show(shown, 'n', name);
+  } else if constexpr (std::is_pointer_v<T>) {
+    std::string part = argument == nullptr ? "null" : "pointer";
+    if constexpr (std::is_same_v<T, const GLubyte*>) {
+      if (argument != nullptr)
+        part = std::string("\"") + reinterpret_cast<const char*>(argument) + "\"";
     }
-  }
-};
-
-// ---- One call ----
-
-template <Function F, class Result, class... Arguments>
-Result Serve(const char* kinds, Arguments... arguments) {
-  const unsigned fault = Enter(F);
-  CheckUse(F);
-  if (Recording()) {
-    Shown shown;
-    (shown.Add(*kinds++, arguments), ...);
-    std::vector<Vertex> vertices;
-    if constexpr (F == Function::glDrawArrays) {
-      const auto drawn = std::tuple(arguments...);
-      vertices = DrawnVertices(std::get<1>(drawn), std::get<2>(drawn));
-    }
-    Record(F, shown.parts, std::move(shown.numbers), std::move(vertices));
-  }
-  if (fault != 0) {
-    InjectGlError(fault);
-    return Result();
-  }
-  if constexpr (requires { Do(Of<F>(), arguments...); }) {
-    return Do(Of<F>(), arguments...);
+    shown.Add(std::move(part), argument == nullptr ? 0.0 : 1.0);
   } else {
-    return Result();
+    shown.Add(ArgumentText(kind, static_cast<double>(argument)), static_cast<double>(argument));
   }
 }
 
-template <class Signature>
-struct Parts;
-template <class R, class... Arguments>
-struct Parts<R(Arguments...)> {
-  using Result = R;
-  template <std::size_t I>
-  using Argument = std::tuple_element_t<I, std::tuple<Arguments...>>;
-  static constexpr std::size_t kArity = sizeof...(Arguments);
-};
-
-template <class Signature, std::size_t I>
-using ArgumentOf = typename Parts<Signature>::template Argument<I>;
+template <Function F, class Result, class... Values>
+Result Serve(const char* kinds, Values... values) {
+  const unsigned fault = Enter(F);
+  GlState& gl = TheGl();
+  gl.CheckUse(F);
+  if (Recording()) {
+    Arguments shown;
+    (Show(shown, *kinds++, values), ...);
+    std::vector<Vertex> vertices;
+    if constexpr (F == Function::glDrawArrays) {
+      const auto drawn = std::tuple(values...);
+      vertices = gl.DrawnVertices(std::get<1>(drawn), std::get<2>(drawn));
+    }
+    Record(F, std::move(shown), std::move(vertices));
+  }
+  if (fault != 0) {
+    InjectGlError(fault);
+  } else if constexpr (requires { gl.Do(Of<F>(), values...); }) {
+    return gl.Do(Of<F>(), values...);
+  }
+  return Result();
+}
 
 } // namespace
 
@@ -143,40 +129,5 @@ std::string EnumerantText(GLenum value) {
 
 } // namespace halvenor::stand_ins
 
-// ---- The functions themselves ----
-
-#define HALVENOR_PARAMETERS_0(f)
-#define HALVENOR_PARAMETERS_1(f) halvenor::stand_ins::ArgumentOf<decltype(f), 0> a
-#define HALVENOR_PARAMETERS_2(f)                                                                   \
-  HALVENOR_PARAMETERS_1(f), halvenor::stand_ins::ArgumentOf<decltype(f), 1> b
-#define HALVENOR_PARAMETERS_3(f)                                                                   \
-  HALVENOR_PARAMETERS_2(f), halvenor::stand_ins::ArgumentOf<decltype(f), 2> c
-#define HALVENOR_PARAMETERS_4(f)                                                                   \
-  HALVENOR_PARAMETERS_3(f), halvenor::stand_ins::ArgumentOf<decltype(f), 3> d
-#define HALVENOR_PARAMETERS_6(f)                                                                   \
-  HALVENOR_PARAMETERS_4(f), halvenor::stand_ins::ArgumentOf<decltype(f), 4> e,                     \
-      halvenor::stand_ins::ArgumentOf<decltype(f), 5> g
-#define HALVENOR_PARAMETERS_7(f)                                                                   \
-  HALVENOR_PARAMETERS_6(f), halvenor::stand_ins::ArgumentOf<decltype(f), 6> h
-#define HALVENOR_PARAMETERS_9(f)                                                                   \
-  HALVENOR_PARAMETERS_7(f), halvenor::stand_ins::ArgumentOf<decltype(f), 7> i,                     \
-      halvenor::stand_ins::ArgumentOf<decltype(f), 8> j
-#define HALVENOR_ARGUMENTS_0
-#define HALVENOR_ARGUMENTS_1 , a
-#define HALVENOR_ARGUMENTS_2 , a, b
-#define HALVENOR_ARGUMENTS_3 , a, b, c
-#define HALVENOR_ARGUMENTS_4 , a, b, c, d
-#define HALVENOR_ARGUMENTS_6 , a, b, c, d, e, g
-#define HALVENOR_ARGUMENTS_7 , a, b, c, d, e, g, h
-#define HALVENOR_ARGUMENTS_9 , a, b, c, d, e, g, h, i, j
-
-#define HALVENOR_DEFINE(arity, name, kinds)                                                        \
-  extern "C" halvenor::stand_ins::Parts<decltype(name)>::Result name(                              \
-      HALVENOR_PARAMETERS_##arity(name)) {                                                         \
-    namespace here = halvenor::stand_ins;                                                          \
-    static_assert(here::Parts<decltype(name)>::kArity == arity && sizeof kinds == arity + 1);      \
-    return here::Serve<here::Function::name, here::Parts<decltype(name)>::Result>(                 \
-        kinds HALVENOR_ARGUMENTS_##arity);                                                         \
-  }
-
-HALVENOR_GL_FUNCTIONS(HALVENOR_DEFINE)
+#define HALVENOR_GL_HERE halvenor::stand_ins
+HALVENOR_GL_FUNCTIONS(HALVENOR_GL_DEFINE)

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "platform/agl.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
+
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
 
 namespace halvenor {
 
@@ -34,6 +36,27 @@ protected:
   HalvenorPort port_ = stand_ins::OffscreenPort(8, 8);
   AGLPixelFormat format_ = nullptr;
   AGLContext context_ = nullptr;
+};
+
+/// The same with a folder of its own as the bundle's resources.
+class ResourcesTest : public ContextTest {
+protected:
+  void SetUp() override {
+    ContextTest::SetUp();
+    folder_ =
+        std::filesystem::temp_directory_path() / ("halvenor-resources-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder_);
+    stand_ins::SetResourcesFolder(folder_);
+  }
+  void TearDown() override {
+    std::filesystem::remove_all(folder_);
+    ContextTest::TearDown();
+  }
+  void Write(const char* name, std::string_view text) {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+  }
+
+  std::filesystem::path folder_;
 };
 
 } // namespace halvenor

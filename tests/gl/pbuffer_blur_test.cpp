@@ -4,11 +4,11 @@
 namespace halvenor {
 namespace {
 
+using stand_ins::CallTexts;
+using stand_ins::Listed;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-using Calls = std::vector<std::string>;
 
 constexpr char kNoPrograms[] = " Halvenor : ARB Shaders not supported!";
 
@@ -26,30 +26,29 @@ protected:
     log_.Take();
     stand_ins::ClearCalls();
   }
-  static Calls Quad(const std::string& left, const std::string& bottom, const std::string& right,
-                    const std::string& top) {
-    return {"glBegin(GL_TRIANGLE_STRIP)",
-            "glTexCoord2f(0, 0)",
-            "glVertex3f(" + left + ", " + bottom + ", 0)",
-            "glTexCoord2f(1, 0)",
-            "glVertex3f(" + right + ", " + bottom + ", 0)",
-            "glTexCoord2f(0, 1)",
-            "glVertex3f(" + left + ", " + top + ", 0)",
-            "glTexCoord2f(1, 1)",
-            "glVertex3f(" + right + ", " + top + ", 0)",
-            "glEnd()"};
+  // The calls that show the glow, with the window as the target again.
+  std::vector<std::string> DrawingCalls() {
+    aglSetDrawable(context_, nullptr);
+    aglSetDrawable(context_, &port_);
+    stand_ins::ClearCalls();
+    blur_.DrawBlur();
+    return CallTexts();
   }
-  static Calls Whole() { return Quad("-1", "-1", "1", "1"); }
-  static void Append(Calls& calls, const Calls& more) {
-    calls.insert(calls.end(), more.begin(), more.end());
+  static std::string Quad(const std::string& left, const std::string& bottom,
+                          const std::string& right, const std::string& top) {
+    const auto corner = [](const char* texel, const std::string& x, const std::string& y) {
+      return std::string("glTexCoord2f(") + texel + "); glVertex3f(" + x + ", " + y + ", 0); ";
+    };
+    return "glBegin(GL_TRIANGLE_STRIP); " + corner("0, 0", left, bottom) +
+           corner("1, 0", right, bottom) + corner("0, 1", left, top) + corner("1, 1", right, top) +
+           "glEnd(); ";
   }
-  static Calls Copies(const std::string& below, const std::string& above) {
-    Calls calls = Whole();
-    Append(calls, Quad("-1" + below, "-1" + below, "0.99" + above, "0.99" + above));
-    Append(calls, Quad("-0.99" + above, "-1" + below, "1" + below, "0.99" + above));
-    Append(calls, Quad("-1" + below, "-0.99" + above, "0.99" + above, "1" + below));
-    Append(calls, Quad("-0.99" + above, "-0.99" + above, "1" + below, "1" + below));
-    return calls;
+  static std::string Whole() { return Quad("-1", "-1", "1", "1"); }
+  static std::string Copies(const std::string& below, const std::string& above) {
+    const std::string low = "-1" + below, high = "1" + below;
+    const std::string inner = "0.99" + above, outer = "-0.99" + above;
+    return Whole() + Quad(low, low, inner, inner) + Quad(outer, low, high, inner) +
+           Quad(low, outer, inner, high) + Quad(outer, outer, high, high);
   }
 
   PBufferBlur blur_;
@@ -58,126 +57,82 @@ protected:
 TEST_F(PBufferBlurTest, ProgramsBlurInTwoDirectionsTwice) {
   CreateAndDraw();
   blur_.GenerateBlur();
-  Calls expected = {"glEnable(GL_TEXTURE_2D)",
-                    "glEnable(GL_VERTEX_PROGRAM_ARB)",
-                    "glEnable(GL_FRAGMENT_PROGRAM_ARB)",
-                    "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 3)",
-                    "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 4)",
-                    "glViewport(0, 0, 512, 512)",
-                    "glClearColor(0, 0, 0, 1)",
-                    "glColor4f(1, 1, 1, 1)",
-                    "aglGetError()",
-                    "glDisable(GL_BLEND)"};
+  std::string expected =
+      "glEnable(GL_TEXTURE_2D); glEnable(GL_VERTEX_PROGRAM_ARB); "
+      "glEnable(GL_FRAGMENT_PROGRAM_ARB); glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 3); "
+      "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 4); glViewport(0, 0, 512, 512); "
+      "glClearColor(0, 0, 0, 1); glColor4f(1, 1, 1, 1); aglGetError(); glDisable(GL_BLEND); ";
   const struct {
-    const char *target, *source, *offset;
+    std::string target, source, offset;
   } passes[] = {{"4", "1", "0.006, 0"},
                 {"3", "4", "0, 0.006"},
                 {"4", "3", "0.006, 0"},
                 {"3", "4", "0, 0.006"}};
   for (const auto& [target, source, offset] : passes) {
-    Append(expected, {"aglGetVirtualScreen(context 1)",
-                      std::string("aglSetPBuffer(context 1, pbuffer ") + target + ", 0, 0, 0)",
-                      "glClear(GL_COLOR_BUFFER_BIT)",
-                      std::string("glBindTexture(GL_TEXTURE_2D, ") + source + ")",
-                      std::string("glProgramLocalParameter4fARB(GL_VERTEX_PROGRAM_ARB, 0, ") +
-                          offset + ", 0, 0)"});
-    Append(expected, Whole());
-    Append(expected, {"aglSwapBuffers(context 1)"});
+    expected += "aglGetVirtualScreen(context 1); aglSetPBuffer(context 1, pbuffer " + target +
+                ", 0, 0, 0); glClear(GL_COLOR_BUFFER_BIT); glBindTexture(GL_TEXTURE_2D, " + source +
+                "); glProgramLocalParameter4fARB(GL_VERTEX_PROGRAM_ARB, 0, " + offset +
+                ", 0, 0); " + Whole() + "aglSwapBuffers(context 1); ";
   }
-  Append(expected, {"glDisable(GL_VERTEX_PROGRAM_ARB)", "glDisable(GL_FRAGMENT_PROGRAM_ARB)",
-                    "glEnable(GL_BLEND)"});
-  EXPECT_EQ(stand_ins::CallTexts(), expected);
+  EXPECT_EQ(CallTexts(), Listed(expected + "glDisable(GL_VERTEX_PROGRAM_ARB); "
+                                           "glDisable(GL_FRAGMENT_PROGRAM_ARB); "
+                                           "glEnable(GL_BLEND)"));
 
-  aglSetDrawable(context_, nullptr); // the window is the target again
-  aglSetDrawable(context_, &port_);
-  stand_ins::ClearCalls();
-  blur_.DrawBlur();
-  expected = {"glEnable(GL_TEXTURE_2D)",
-              "glEnable(GL_BLEND)",
-              "glEnable(GL_VERTEX_PROGRAM_ARB)",
-              "glEnable(GL_FRAGMENT_PROGRAM_ARB)",
-              "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 1)",
-              "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 2)",
-              "glColor4f(0.7, 0.7, 0.7, 0.6)",
-              "glBindTexture(GL_TEXTURE_2D, 3)",
-              "glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR)"};
-  Append(expected, Whole());
-  Append(expected, {"glBlendFunc(GL_SRC_ALPHA, GL_ONE)", "glColor4f(1, 1, 1, 1)"});
-  Append(expected, Whole());
-  Append(expected, {"glDisable(GL_FRAGMENT_PROGRAM_ARB)", "glDisable(GL_VERTEX_PROGRAM_ARB)",
-                    "glEnable(GL_BLEND)"});
-  EXPECT_EQ(stand_ins::CallTexts(), expected);
+  EXPECT_EQ(DrawingCalls(),
+            Listed("glEnable(GL_TEXTURE_2D); glEnable(GL_BLEND); glEnable(GL_VERTEX_PROGRAM_ARB); "
+                   "glEnable(GL_FRAGMENT_PROGRAM_ARB); glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 1); "
+                   "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 2); glColor4f(0.7, 0.7, 0.7, 0.6); "
+                   "glBindTexture(GL_TEXTURE_2D, 3); "
+                   "glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR); " +
+                   Whole() + "glBlendFunc(GL_SRC_ALPHA, GL_ONE); glColor4f(1, 1, 1, 1); " +
+                   Whole() +
+                   "glDisable(GL_FRAGMENT_PROGRAM_ARB); "
+                   "glDisable(GL_VERTEX_PROGRAM_ARB); glEnable(GL_BLEND)"));
 }
 
 TEST_F(PBufferBlurTest, WithoutProgramsItAddsShiftedCopies) {
   stand_ins::SetExtensions("");
   CreateAndDraw();
   blur_.GenerateBlur();
-  Calls expected = {"glEnable(GL_TEXTURE_2D)",
-                    "glViewport(0, 0, 512, 512)",
-                    "glClearColor(0, 0, 0, 1)",
-                    "glColor4f(1, 1, 1, 1)",
-                    "aglGetError()",
-                    "glEnable(GL_BLEND)",
-                    "glBlendFunc(GL_SRC_ALPHA, GL_ONE)",
-                    "aglGetVirtualScreen(context 1)",
-                    "aglSetPBuffer(context 1, pbuffer 3, 0, 0, 0)",
-                    "glClear(GL_COLOR_BUFFER_BIT)",
-                    "glBindTexture(GL_TEXTURE_2D, 1)",
-                    "glColor4f(1, 1, 1, 0.5)"};
-  Append(expected, Copies(".008", "2"));
-  Append(expected, {"aglSwapBuffers(context 1)", "glEnable(GL_BLEND)"});
-  EXPECT_EQ(stand_ins::CallTexts(), expected);
-
-  aglSetDrawable(context_, nullptr);
-  aglSetDrawable(context_, &port_);
-  stand_ins::ClearCalls();
-  blur_.DrawBlur();
-  expected = {"glEnable(GL_TEXTURE_2D)", "glEnable(GL_BLEND)", "glColor4f(0.5, 0.5, 0.5, 0.2)",
-              "glBindTexture(GL_TEXTURE_2D, 3)", "glBlendFunc(GL_SRC_ALPHA, GL_ONE)"};
-  Append(expected, Copies(".01", ""));
-  Append(expected, {"glEnable(GL_BLEND)"});
-  EXPECT_EQ(stand_ins::CallTexts(), expected);
+  EXPECT_EQ(CallTexts(),
+            Listed("glEnable(GL_TEXTURE_2D); glViewport(0, 0, 512, 512); "
+                   "glClearColor(0, 0, 0, 1); glColor4f(1, 1, 1, 1); aglGetError(); "
+                   "glEnable(GL_BLEND); glBlendFunc(GL_SRC_ALPHA, GL_ONE); "
+                   "aglGetVirtualScreen(context 1); aglSetPBuffer(context 1, pbuffer 3, 0, 0, 0); "
+                   "glClear(GL_COLOR_BUFFER_BIT); glBindTexture(GL_TEXTURE_2D, 1); "
+                   "glColor4f(1, 1, 1, 0.5); " +
+                   Copies(".008", "2") + "aglSwapBuffers(context 1); glEnable(GL_BLEND)"));
+  EXPECT_EQ(DrawingCalls(),
+            Listed("glEnable(GL_TEXTURE_2D); glEnable(GL_BLEND); glColor4f(0.5, 0.5, 0.5, 0.2); "
+                   "glBindTexture(GL_TEXTURE_2D, 3); glBlendFunc(GL_SRC_ALPHA, GL_ONE); " +
+                   Copies(".01", "") + "glEnable(GL_BLEND)"));
 }
 
 TEST_F(PBufferBlurTest, TheImplementationFollowsTheContext) {
-  const struct {
-    const char* extensions;
-    std::int64_t programs;
-  } openings[] = {{"", 0},
-                  {"GL_ARB_fragment_program GL_ARB_vertex_program", 4},
-                  {"", 0},
-                  {"GL_ARB_vertex_program GL_ARB_fragment_program", 4}};
-  for (const auto& [extensions, programs] : openings) {
-    stand_ins::SetExtensions(extensions);
+  for (const bool programs : {false, true, false, true}) {
+    stand_ins::SetExtensions(programs ? "GL_ARB_fragment_program GL_ARB_vertex_program" : "");
     blur_.Create(context_); // over the one before
-    EXPECT_EQ(stand_ins::LivePrograms(), programs);
+    EXPECT_EQ(stand_ins::LivePrograms(), programs ? 4 : 0);
     EXPECT_EQ(stand_ins::LivePBuffers(), 4);
     EXPECT_EQ(stand_ins::LiveTextures(), 4);
-    EXPECT_EQ(log_.Take(), programs == 0 ? Calls{kNoPrograms} : Calls{});
+    EXPECT_EQ(log_.Take(), std::vector<std::string>(programs ? 0 : 1, kNoPrograms));
   }
 }
 
 TEST_F(PBufferBlurTest, WithoutItsBuffersItDrawsNoGlow) {
-  const struct {
-    std::uint64_t nth;
-    const char* report;
-    bool created;
-  } cases[] = {{1, "pBuffers not supported : ", false},
-               {2, "pBuffers not supported : ", false},
-               {3, "pBufferBlur problems : ", true},
-               {4, "pBufferBlur problems : ", true}};
-  for (const auto& [nth, report, created] : cases) {
+  for (const std::uint64_t nth : {1U, 2U, 3U, 4U}) {
+    const bool created = nth > 2; // what the lines are drawn into
     stand_ins::Fail("aglCreatePBuffer", AGL_NO_BUFFER, nth, 1);
     blur_.Create(context_);
-    EXPECT_THAT(log_.Take(), ElementsAre(StartsWith(report)));
+    EXPECT_THAT(log_.Take(), ElementsAre(StartsWith(created ? "pBufferBlur problems : "
+                                                            : "pBuffers not supported : ")));
     EXPECT_EQ(stand_ins::LivePBuffers(), created ? 2 : 0);
     EXPECT_EQ(blur_.StartDrawing(), created);
     blur_.EndDrawing();
     stand_ins::ClearCalls();
     blur_.GenerateBlur();
     blur_.DrawBlur();
-    EXPECT_THAT(stand_ins::CallTexts(), IsEmpty());
+    EXPECT_THAT(CallTexts(), IsEmpty());
     blur_.Destroy();
     EXPECT_EQ(LiveObjects(), 0);
   }

@@ -1,6 +1,4 @@
 #include "renderer/font_system.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 namespace halvenor {

@@ -61,6 +61,15 @@ TEST_F(KeysAndTexts, OnlyExactCharactersAreCommands) {
     EXPECT_EQ(Press(key), status::kNotHandled) << key;
 }
 
+TEST_F(KeysAndTexts, TheFrameRateStandsAtTheBottomRight) {
+  data_->settings.showFrameRate = 1;
+  const auto texts = Texts();
+  ASSERT_EQ(texts.size(), 1U);
+  EXPECT_EQ(texts[0].text, "20.0 fps");
+  EXPECT_NEAR(texts[0].x, 1 - 8 * 9 / 400.0, 1e-6);
+  EXPECT_NEAR(texts[0].y, 0.5 * 9 * 1.5 / 200 - 1, 1e-6);
+}
+
 TEST_F(KeysAndTexts, HelpAndSettingsTakeEachOthersPlace) {
   Press('h');
   const auto help = Texts();
@@ -100,17 +109,11 @@ TEST_F(KeysAndTexts, HelpAndSettingsTakeEachOthersPlace) {
 
 TEST_F(KeysAndTexts, SettingsOfAnyValueFitTheirPanel) {
   Press('i');
-  float* const reals[] = {&data_->settings.numLines,
-                          &data_->settings.intensity,
-                          &data_->settings.fade,
-                          &data_->settings.zoom,
-                          &data_->settings.zoomRotation,
-                          &data_->settings.innerColor.red,
-                          &data_->settings.innerColor.blue,
-                          &data_->settings.outerColor.green};
-  for (float* real : reals)
-    *real = -3.4e38F; // 40 digits each
-  data_->settings.numLines = -3.4e38F;
+  Settings& settings = data_->settings;
+  constexpr float kLong = -3.4e38F; // 40 digits
+  settings.numLines = settings.intensity = settings.fade = settings.zoom = kLong;
+  settings.zoomRotation = kLong;
+  settings.innerColor = settings.outerColor = {kLong, kLong, kLong};
   EXPECT_EQ(Text().substr(0, 20), "\n Halvenor Settings\n");
 }
 

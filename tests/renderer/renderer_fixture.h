@@ -3,8 +3,6 @@
 
 #include "platform/clock.h"
 #include "renderer/renderer.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <memory>
@@ -52,33 +50,23 @@ protected:
   std::vector<std::string> Frame() {
     stand_ins::ClearCalls();
     renderer_->Render(data_.get());
-    std::vector<std::string> calls;
-    bool inLines = false;
-    for (const std::string& call : stand_ins::CallTexts()) {
-      if (call.starts_with("glInterleavedArrays")) {
-        inLines = true;
-        calls.back() = "lines"; // in place of switching texturing off
-      } else if (!inLines) {
-        calls.push_back(call);
-      } else if (call == "glEnable(GL_TEXTURE_2D)") {
-        inLines = false;
-        afterLines_ = true;
-        continue;
+    std::string calls;
+    for (const std::string& call : stand_ins::CallTexts())
+      calls += call + "; ";
+    const auto fold = [&calls](std::string_view first, std::string_view last, auto name) {
+      for (std::size_t at = 0; (at = calls.find(first, at)) != calls.npos;) {
+        const std::size_t size = calls.find(last, at) + last.size() - at;
+        calls.replace(at, size, name(calls.substr(at, size)));
       }
-      if (afterLines_ && !inLines) calls.pop_back(); // the identity after the lines
-      afterLines_ = false;
-      FoldQuad(calls);
-    }
-    return calls;
+    };
+    fold("glDisable(GL_TEXTURE_2D); glInterleavedArrays",
+         "glEnable(GL_TEXTURE_2D); glLoadIdentity()", [](const auto&) { return "lines"; });
+    fold("glBegin(GL_TRIANGLE_STRIP)", "glEnd()", [](const std::string& quad) {
+      const std::size_t corner = quad.rfind("glVertex3f(") + 11; // x, y, 0
+      return "quad " + quad.substr(corner, quad.rfind(", 0)") - corner);
+    });
+    return stand_ins::Listed(calls);
   }
-  static void FoldQuad(std::vector<std::string>& calls) {
-    constexpr std::size_t kQuadCalls = 10;
-    if (calls.size() < kQuadCalls || calls.back() != "glEnd()") return;
-    const std::string corner = calls[calls.size() - 2]; // glVertex3f(x, y, 0)
-    calls.resize(calls.size() - kQuadCalls);
-    calls.push_back("quad " + corner.substr(11, corner.size() - 15));
-  }
-  bool afterLines_ = false;
 
   bool Open() { return renderer_->Open(&port_, &port_.bounds) == 1; }
 

@@ -1,12 +1,7 @@
 #include "scene/texture_image.h"
 #include "tests/gl/context_test.h"
-#include "tests/stand_ins/bundle_stand_in.h"
 
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace halvenor {
 namespace {
@@ -51,20 +46,12 @@ int NextDescriptor() {
   return descriptor;
 }
 
-class TextureImageTest : public ContextTest {
+class TextureImageTest : public ResourcesTest {
 protected:
-  void SetUp() override {
-    ContextTest::SetUp();
-    folder_ =
-        std::filesystem::temp_directory_path() / ("halvenor-images-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder_);
-    stand_ins::SetResourcesFolder(folder_);
-  }
   void TearDown() override {
     DeleteTexture(image_);
     DeleteBuffer(image_);
-    std::filesystem::remove_all(folder_);
-    ContextTest::TearDown();
+    ResourcesTest::TearDown();
   }
 
   // Loads what is called `name` into the image; what it printed.
@@ -78,7 +65,7 @@ protected:
     return testing::internal::GetCapturedStdout();
   }
   std::string LoadFile(std::string_view bytes) {
-    std::ofstream(folder_ / "image", std::ios::binary) << bytes;
+    Write("image", bytes);
     return Load("image");
   }
   [[nodiscard]] std::string Pixels() const {
@@ -86,7 +73,6 @@ protected:
     return {reinterpret_cast<const char*>(image_.pixels), loaded_ == 1 ? size : 0};
   }
 
-  std::filesystem::path folder_;
   TextureImage image_;
   int loaded_ = -1;
 };
@@ -203,28 +189,29 @@ TEST_F(TextureImageTest, TexturesAreMadeFromPixels) {
   ASSERT_EQ(LoadFile(Header(kRaw, 1, 2, 32) + "abcdefgh"), "");
   stand_ins::ClearCalls();
   CreateTexture(image_, 1);
-  EXPECT_THAT(
-      CallTexts(),
-      ElementsAre("glGenTextures(1, pointer)", "glBindTexture(GL_TEXTURE_2D, 1)",
-                  "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)",
-                  "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)",
-                  "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)",
-                  "glPixelStorei(GL_UNPACK_ALIGNMENT, 1)",
-                  "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR)",
-                  "gluBuild2DMipmaps(GL_TEXTURE_2D, 3, 1, 2, GL_RGBA, GL_UNSIGNED_BYTE, pointer)",
-                  "glPixelStorei(GL_UNPACK_ALIGNMENT, 4)"));
+  EXPECT_EQ(CallTexts(),
+            stand_ins::Listed(
+                "glGenTextures(1, pointer); glBindTexture(GL_TEXTURE_2D, 1); "
+                "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
+                "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
+                "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR); "
+                "glPixelStorei(GL_UNPACK_ALIGNMENT, 1); "
+                "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR); "
+                "gluBuild2DMipmaps(GL_TEXTURE_2D, 3, 1, 2, GL_RGBA, GL_UNSIGNED_BYTE, pointer); "
+                "glPixelStorei(GL_UNPACK_ALIGNMENT, 4)"));
   CreateTexture(image_, 0);
   EXPECT_EQ(stand_ins::LiveTextures(), 1); // the former one is gone
-  EXPECT_EQ(stand_ins::CallsOf("glTexParameteri").back().text,
+  const auto last = [](const char* function) { return stand_ins::CallsOf(function).back().text; };
+  EXPECT_EQ(last("glTexParameteri"),
             "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)");
-  EXPECT_EQ(stand_ins::CallsOf("glTexImage2D").at(0).text,
+  EXPECT_EQ(last("glTexImage2D"),
             "glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, pointer)");
   ASSERT_EQ(LoadFile(With(17, 0)), "");
   CreateTexture(image_, 0);
-  EXPECT_EQ(stand_ins::CallsOf("glTexImage2D").at(1).text,
+  EXPECT_EQ(last("glTexImage2D"),
             "glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 1, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, pointer)");
   CreateTexture(image_, 1);
-  EXPECT_EQ(stand_ins::CallsOf("gluBuild2DMipmaps").at(1).text,
+  EXPECT_EQ(last("gluBuild2DMipmaps"),
             "gluBuild2DMipmaps(GL_TEXTURE_2D, 3, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, pointer)");
 
   DeleteTexture(image_);

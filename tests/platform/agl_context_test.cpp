@@ -11,7 +11,17 @@
 namespace halvenor {
 namespace {
 
-using ContextTest = GlTest;
+class ContextTest : public GlTest {
+protected:
+  void DrawAndExpect() {
+    DrawQuarters(16, 16);
+    aglSwapBuffers(context.context);
+    EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+  }
+
+  OffscreenPort port{16, 16};
+  TestContext context{&port.port};
+};
 
 /// A context of the host's own, for another API than the plug-in's, current on this thread.
 class HostContext {
@@ -45,17 +55,13 @@ private:
 
 TEST_F(ContextTest, TheHostsEglContextIsPutBack) {
   const HostContext host;
-  OffscreenPort port(16, 16);
-  TestContext context(&port.port);
   TestContext other(&port.port);
   aglSetCurrentContext(nullptr);
   EXPECT_TRUE(host.IsCurrent()) << "with nothing of ours current, null does nothing";
   for (int i = 0; i < 2; ++i) {
     ASSERT_TRUE(aglSetCurrentContext(other.context));
     ASSERT_TRUE(aglSetCurrentContext(context.context));
-    DrawQuarters(16, 16);
-    aglSwapBuffers(context.context);
-    EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+    DrawAndExpect();
     EXPECT_FALSE(host.IsCurrent());
     EXPECT_TRUE(aglSetCurrentContext(nullptr));
     EXPECT_TRUE(host.IsCurrent());
@@ -69,18 +75,14 @@ TEST_F(ContextTest, TheHostsEglContextIsPutBack) {
 
 TEST_F(ContextTest, TheHostMayTakeTheThreadFromAContext) {
   const HostContext host;
-  OffscreenPort port(16, 16);
-  const TestContext context(&port.port);
   ASSERT_TRUE(aglSetCurrentContext(context.context));
   host.MakeCurrent();
   aglSwapBuffers(context.context);
-  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_CONTEXT});
   EXPECT_TRUE(aglSetCurrentContext(nullptr));
   EXPECT_EQ(port.frames, 0);
   ASSERT_TRUE(aglSetCurrentContext(context.context));
-  DrawQuarters(16, 16);
-  aglSwapBuffers(context.context);
-  EXPECT_EQ(QuartersFault(port.image, 0, 0, 16, 16), "");
+  DrawAndExpect();
 }
 
 TEST_F(ContextTest, AFailureLeavesTheHostsContextCurrent) {
@@ -90,22 +92,20 @@ TEST_F(ContextTest, AFailureLeavesTheHostsContextCurrent) {
   window.bounds = MakeRect(16, 16);
   window.x11DisplayName = "localhost:nowhere";
   window.x11Window = 1;
-  const TestContext context(&window);
-  EXPECT_FALSE(aglSetCurrentContext(context.context));
-  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_NO_DISPLAY));
+  const TestContext second(&window);
+  EXPECT_FALSE(aglSetCurrentContext(second.context));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_DISPLAY});
   EXPECT_TRUE(host.IsCurrent());
 }
 
 TEST_F(ContextTest, AContextOfAnotherThreadIsOutOfReach) {
-  OffscreenPort port(16, 16);
-  TestContext context(&port.port);
   ASSERT_TRUE(aglSetCurrentContext(context.context));
   std::thread([&] {
     const HostContext host;
     EXPECT_FALSE(aglSetCurrentContext(context.context));
-    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+    EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_CONTEXT});
     EXPECT_FALSE(aglDestroyContext(context.context));
-    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_CONTEXT));
+    EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_CONTEXT});
     EXPECT_TRUE(host.IsCurrent());
   }).join();
   DrawQuarters(16, 16);
@@ -121,14 +121,12 @@ TEST_F(ContextTest, AContextOfAnotherThreadIsOutOfReach) {
 }
 
 TEST_F(ContextTest, AContextKeepsToItsWindowSystem) {
-  OffscreenPort port(16, 16);
-  const TestContext context(&port.port);
   ASSERT_TRUE(aglSetCurrentContext(context.context));
   HalvenorPort window{};
   window.kind = kHalvenorPortX11Window;
   window.x11Window = 1;
   EXPECT_FALSE(aglSetDrawable(context.context, &window));
-  EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_BAD_DRAWABLE));
+  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_DRAWABLE});
 }
 
 long ResidentKilobytes() {
@@ -141,14 +139,14 @@ long ResidentKilobytes() {
 TEST_F(ContextTest, OpeningAndClosingLeavesNothing) {
   const auto openAndClose = [](int times) {
     for (int i = 0; i < times; ++i) {
-      OffscreenPort port(320, 240);
-      const TestContext context(&port.port);
-      ASSERT_TRUE(aglSetCurrentContext(context.context));
+      OffscreenPort wide(320, 240);
+      const TestContext opened(&wide.port);
+      ASSERT_TRUE(aglSetCurrentContext(opened.context));
       std::int16_t family = 0;
       GetFNum(reinterpret_cast<const unsigned char*>("\011Helvetica"), &family);
-      EXPECT_TRUE(aglUseFont(context.context, family, 0, 9, 0, 256, 1));
+      EXPECT_TRUE(aglUseFont(opened.context, family, 0, 9, 0, 256, 1));
       DrawQuarters(320, 240);
-      aglSwapBuffers(context.context);
+      aglSwapBuffers(opened.context);
     }
   };
   openAndClose(50);

@@ -8,16 +8,6 @@ namespace {
 
 constexpr int kSide = 128;
 
-// Nothing but the lines and their trails.
-Settings TrailLook() {
-  Settings settings = DefaultSettings();
-  settings.intensity = 1.0F;
-  settings.glow = 0;
-  settings.showFrameRate = 0;
-  settings.numFrequencyLabels = 0;
-  return settings;
-}
-
 int BrightestComponent(const OffscreenPlugin& plugin) {
   int brightest = 0;
   const std::vector<std::uint8_t>& pixels = plugin.Pixels();
@@ -35,7 +25,7 @@ TEST(Feedback, TrailsDieToExactBlack) {
       {0.2F, 0.3F, 40}, {0.2F, 0.5F, 40}, {0.2F, 0.9F, 40}, {0.9F, 0.5F, 4}, {0.02F, 0.9F, 200}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << "fade " << c.fade << ", zoom " << c.zoom);
-    Settings settings = TrailLook();
+    Settings settings = PlainLook();
     settings.fade = c.fade;
     settings.zoom = c.zoom;
     settings.smoothing = 1;
@@ -52,13 +42,10 @@ TEST(Feedback, TrailsDieToExactBlack) {
 // With nothing faded, a field that was drawn once grows with the zoom alone. In pixels.
 double ReachAfterASecond(int framesPerSecond) {
   constexpr int kBufferSide = 512;
-  Settings settings = TrailLook();
+  Settings settings = FieldLook({1.0F, 1.0F, 1.0F});
   settings.fade = 0.0F;
   settings.zoom = 0.6F;
   settings.zoomRotation = 0.0F;
-  settings.smoothing = 0;
-  settings.numLines = 0.5F; // no lines but the band
-  settings.innerColor = settings.outerColor = {1.0F, 1.0F, 1.0F};
   settings.intensity = 50.0F; // white at once
   OffscreenPlugin plugin(settings, kBufferSide, kBufferSide);
   plugin.DeliverFlat(100, 100, 5);

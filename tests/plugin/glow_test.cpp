@@ -18,15 +18,8 @@ using Line = std::vector<std::array<int, 3>>;
 
 // A plain field across the middle of the picture, cut across its edges.
 Line FieldProfile(bool glow, bool vertical) {
-  Settings settings = DefaultSettings();
+  Settings settings = FieldLook({1.0F, 0.5F, 0.2F});
   settings.intensity = 3.0F;
-  settings.fade = 1.0F;
-  settings.numLines = 0.5F; // no lines but the band
-  settings.innerColor = settings.outerColor = {1.0F, 0.5F, 0.2F};
-  settings.colorCycle = 0;
-  settings.sharpOverlay = 0;
-  settings.showFrameRate = 0;
-  settings.numFrequencyLabels = 0;
   settings.glow = glow ? 1 : 0;
   settings.verticalLayout = vertical ? 1 : 0;
   OffscreenPlugin plugin(settings, kSide, kSide, OffscreenPlugin::Log::MayComplain);

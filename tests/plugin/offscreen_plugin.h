@@ -17,6 +17,26 @@
 
 namespace halvenor {
 
+/// A look in which nothing but the present lines shows, bright enough to be told from black.
+inline Settings PlainLook() {
+  Settings settings = DefaultSettings();
+  settings.intensity = 1.0F;
+  settings.fade = 1.0F;
+  settings.glow = 0;
+  settings.smoothing = 0;
+  settings.showFrameRate = 0;
+  settings.numFrequencyLabels = 0;
+  return settings;
+}
+
+/// A plain field instead: the band without lines, in one colour.
+inline Settings FieldLook(const Color& color) {
+  Settings settings = PlainLook();
+  settings.numLines = 0.5F;
+  settings.innerColor = settings.outerColor = color;
+  return settings;
+}
+
 class OffscreenPlugin : private HostServices {
 public:
   /// Whether lines in the debug log are a failure.

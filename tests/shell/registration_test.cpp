@@ -2,7 +2,6 @@
 #include "shell/plugin_state.h"
 #include "shell/registration.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/log_lines.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <pthread.h>

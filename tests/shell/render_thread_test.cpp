@@ -2,8 +2,6 @@
 #include "platform/clock.h"
 #include "shell/plugin_state.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <atomic>
@@ -21,19 +19,12 @@ std::atomic<bool> mayStart = true;
 std::atomic<int> running = 0;
 std::atomic<int> mostRunning = 0;
 
-struct Start {
-  void* (*routine)(void*);
-  void* argument;
-};
-
-void* RunCounted(void* opaque) {
-  const auto start = *static_cast<Start*>(opaque);
-  delete static_cast<Start*>(opaque);
+void* RunCounted(void* routine) {
   const int now = ++running;
   if (now > mostRunning) mostRunning = now;
   while (!mayStart)
     std::this_thread::yield();
-  void* result = start.routine(start.argument);
+  void* result = reinterpret_cast<void* (*)(void*)>(routine)(nullptr);
   --running;
   return result;
 }
@@ -48,7 +39,7 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
   // brings here as well, do.
   if (argument != nullptr) return __real_pthread_create(thread, attributes, routine, argument);
   if (creationFails) return 11;
-  return __real_pthread_create(thread, attributes, RunCounted, new Start{routine, argument});
+  return __real_pthread_create(thread, attributes, RunCounted, reinterpret_cast<void*>(routine));
 }
 }
 
@@ -71,12 +62,8 @@ void TakeFrame(void*, const HalvenorFrame*) {
   if (onFrame) onFrame();
 }
 
-std::uint64_t Frames() {
-  return frames;
-}
-
 void AwaitFrames(std::uint64_t count) {
-  while (Frames() < count)
+  while (frames < count)
     std::this_thread::yield();
 }
 
@@ -102,6 +89,11 @@ protected:
     EXPECT_LE(mostRunning, 1);
     StandInTest::TearDown();
   }
+  void ShowStepped() {
+    clock::UseStepped(kFrame);
+    ASSERT_EQ(host_.Show(&port_), 0);
+    EXPECT_EQ(clock::WaitUntilParked(), StepResult::Frame);
+  }
   static StepResult Step() { return clock::Step(clock::Now() + kFrame); }
 
   HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
@@ -109,11 +101,9 @@ protected:
 };
 
 TEST_F(RenderThreadTest, DrawsOnceOnTheHostsThreadAndThenOncePerStep) {
-  clock::UseStepped(kFrame);
   std::vector<std::thread::id> drawers;
   onFrame = [&] { drawers.push_back(std::this_thread::get_id()); };
-  ASSERT_EQ(host_.Show(&port_), 0);
-  EXPECT_EQ(clock::WaitUntilParked(), StepResult::Frame);
+  ShowStepped();
   for (int i = 0; i < 3; ++i)
     EXPECT_EQ(Step(), StepResult::Frame);
   ASSERT_EQ(drawers.size(), 5U);
@@ -124,20 +114,18 @@ TEST_F(RenderThreadTest, DrawsOnceOnTheHostsThreadAndThenOncePerStep) {
   EXPECT_EQ(renderThreadExists, 1);
   host_.Send(message::kHide);
   EXPECT_EQ(Step(), StepResult::NoFrame);
-  EXPECT_EQ(Frames(), 5U);
+  EXPECT_EQ(frames, 5U);
 }
 
 TEST_F(RenderThreadTest, ANullRecordDrawsNothingUntilARealOneComes) {
-  clock::UseStepped(kFrame);
-  host_.Show(&port_);
-  clock::WaitUntilParked();
+  ShowStepped();
   VisualMessage none{};
   VisualPluginHandler(Code("what"), &none, nullptr);
   EXPECT_EQ(Step(), StepResult::Frame);
-  EXPECT_EQ(Frames(), 2U);
+  EXPECT_EQ(frames, 2U);
   host_.Send(message::kIdle);
   Step();
-  EXPECT_EQ(Frames(), 3U);
+  EXPECT_EQ(frames, 3U);
 }
 
 TEST_F(RenderThreadTest, ShowingAgainJoinsTheOldThreadFirst) {
@@ -147,14 +135,12 @@ TEST_F(RenderThreadTest, ShowingAgainJoinsTheOldThreadFirst) {
     EXPECT_EQ(stand_ins::LiveContexts(), 2); // those of the opening before are gone
     EXPECT_LE(running, 1);
   }
-  AwaitFrames(Frames() + 3);
+  AwaitFrames(frames + 3);
   host_.Send(message::kHide);
 }
 
 TEST_F(RenderThreadTest, HidingWaitsForTheFrameInProgress) {
-  clock::UseStepped(kFrame);
-  host_.Show(&port_);
-  clock::WaitUntilParked();
+  ShowStepped();
   std::promise<void> begun;
   std::promise<void> mayEnd;
   onFrame = [&, end = mayEnd.get_future().share()] {
@@ -182,7 +168,7 @@ TEST_F(RenderThreadTest, AThreadThatCannotBeMadeLeavesTheFirstFrame) {
   creationFails = true;
   EXPECT_EQ(host_.Show(&port_), 0);
   EXPECT_EQ(Step(), StepResult::NoFrame); // and does not wait for ever
-  EXPECT_EQ(Frames(), 1U);
+  EXPECT_EQ(frames, 1U);
   EXPECT_EQ(host_.Send(message::kHide), 0);
   creationFails = false;
   EXPECT_EQ(host_.Show(&port_), 0);
@@ -199,7 +185,7 @@ TEST_F(RenderThreadTest, AThreadThatStartsTooLateDrawsNothingAndIsJoined) {
   });
   EXPECT_EQ(host_.Send(message::kHide), 0);
   starter.join();
-  EXPECT_EQ(Frames(), 1U);
+  EXPECT_EQ(frames, 1U);
   EXPECT_EQ(renderThreadExists, 0);
 }
 
@@ -221,12 +207,12 @@ TEST_F(RenderThreadTest, AnOpeningThatFailsStartsNothing) {
 TEST_F(RenderThreadTest, NoSleepHoldsUpAHide) {
   for (const bool held : {false, true}) {
     host_.Record()->settings.frameDelay = kHalfAnHour;
-    const std::uint64_t before = Frames();
+    const std::uint64_t before = frames;
     if (held) clock::Hold();
     host_.Show(&port_);
     AwaitFrames(before + 2); // the host's and the thread's first; then it sleeps
     EXPECT_EQ(host_.Send(message::kHide), 0);
-    EXPECT_EQ(Frames(), before + 2);
+    EXPECT_EQ(frames, before + 2);
     clock::Release();
   }
 }
@@ -243,7 +229,7 @@ TEST_F(RenderThreadTest, DrawingBackToBackDoesNotKeepTheHostOut) {
   for (const std::int32_t delay : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     host_.Record()->settings.frameDelay = delay;
     host_.Show(&port_);
-    const std::uint64_t first = Frames();
+    const std::uint64_t first = frames;
     for (int i = 0; i < 200; ++i)
       EXPECT_EQ(host_.SendData(nullptr), 0);
     AwaitFrames(first + 2); // nor the other way round

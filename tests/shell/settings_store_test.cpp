@@ -1,6 +1,5 @@
 #include "shell/settings_store.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/log_lines.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 namespace halvenor {

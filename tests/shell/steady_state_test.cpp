@@ -2,7 +2,6 @@
 #include "platform/clock.h"
 #include "tests/shell/test_host.h"
 #include "tests/stand_ins/allocation_counter.h"
-#include "tests/stand_ins/offscreen_port.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 #include <algorithm>

@@ -130,7 +130,7 @@ struct MediaPlayer::Impl {
   void TellNewTags();
 
   void FindLength();
-  void FindPosition();
+  bool FindPosition();
   void LookAhead();
   void Ask();
   void DropNext();
@@ -155,6 +155,7 @@ void MediaPlayer::Impl::Leave() {
   missing.clear();
   failure.clear();
   lengthSought = {};
+  heard = 0;
 }
 
 void MediaPlayer::Impl::BeginSoon(double at) {
@@ -281,8 +282,7 @@ void MediaPlayer::Impl::HandleError(GstMessage* message) {
     return;
   }
   std::string text = missing.empty() ? Explain(message) : missing;
-  if (missing.empty() && pipeline->MediaType(track) == "text/html")
-    text = "is a web page, not sound";
+  if (pipeline->MediaType(track) == "text/html") text = "is a web page, not sound";
   if (everPlayed && IsNetwork(medium->uri)) {
     Lose(text);
   } else {
@@ -385,14 +385,15 @@ void MediaPlayer::Impl::FindLength() {
   length = pipeline->Length();
 }
 
-void MediaPlayer::Impl::FindPosition() {
-  if (!pipeline || !started) return;
+/// Whether it is known what is heard at this moment.
+bool MediaPlayer::Impl::FindPosition() {
+  if (!pipeline || !started) return false;
   const std::optional<std::int64_t> now = pipeline->HeardNow();
-  if (!now) return;
-  const std::optional<AnalysisTap::Place> place = pipeline->Tap().At(*now);
-  if (!place || place->track != track) return;
+  const auto place = now ? pipeline->Tap().At(*now) : std::nullopt;
+  if (!place || place->track != track) return false;
   heard = *now;
   position = static_cast<double>(place->position) / kSecond;
+  return true;
 }
 
 /// Whether the next track is heard already.
@@ -532,6 +533,7 @@ void MediaPlayer::Seek(double seconds) {
   impl.DropNext();
   impl.asked = false;
   impl.position = impl.toldUntil = wanted;
+  impl.heard = 0;
   impl.pipeline->Seek(wanted);
 }
 
@@ -540,12 +542,9 @@ void MediaPlayer::Poll() {
   impl.WatchServer();
   if (impl.beginAt) impl.Begin();
   impl.HandleBus(); // first: a device that has failed may say that it is anywhere
-  impl.FindPosition();
-  if (impl.pipeline && impl.started) {
-    impl.TellNewTags();
-    if (impl.pipeline) impl.LookAhead();
-    if (impl.pipeline) impl.TellRecords(impl.heard - impl.offset);
-  }
+  if (impl.pipeline && impl.started) impl.TellNewTags();
+  if (impl.pipeline && impl.started) impl.LookAhead();
+  if (impl.FindPosition()) impl.TellRecords(impl.heard - impl.offset);
   impl.WatchStream();
   // Nothing that could say so is there while radio is waited for.
   if (impl.retryAt) impl.TellState(impl.state);
@@ -575,7 +574,7 @@ const std::string& MediaPlayer::CurrentMedium() const {
 }
 
 double MediaPlayer::Position() const {
-  impl_->FindPosition();
+  impl_->FindPosition(); // else the last that was known
   return impl_->position;
 }
 

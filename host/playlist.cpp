@@ -219,7 +219,9 @@ void Reader::Read(const std::string& medium, const std::string& title, int depth
     Complain(path, "is too large for a playlist");
   } else {
     std::ifstream stream(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    std::string bytes(fs::file_size(path, error), '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
     ReadList(fs::absolute(path, error), *format, bytes, depth);
   }
 }

@@ -32,6 +32,12 @@ public:
 
   void Started(const MediaTags& tags) override { Tell("started " + tags.title); }
   void TagsChanged(const MediaTags& tags) override { tagsNow = tags; }
+  void StateChanged(MediaPlayer::State state) override {
+    Tell(state == MediaPlayer::State::Paused ? "paused" : "playing");
+  }
+  void AboutToEnd() override {
+    if (onAboutToEnd) onAboutToEnd();
+  }
   void Ended() override { Tell("ended"); }
   void Failed(const std::string& error) override { Tell("failed " + error); }
   void Record(const RenderVisualData& record) override {
@@ -41,6 +47,7 @@ public:
       firstLoud = Clock::now();
       loudPosition = player.Position();
     }
+    loudestBins.push_back(std::ranges::max_element(record.spectrum[0]) - record.spectrum[0]);
     if (onRecord) onRecord();
   }
 
@@ -72,7 +79,8 @@ public:
   double loudPosition = 0;
   Clock::time_point lastPoll = Clock::now();
   Clock::duration longestGap{};
-  std::function<void()> onRecord;
+  std::vector<long> loudestBins; // of each record
+  std::function<void()> onRecord, onAboutToEnd;
   const std::thread::id thread = std::this_thread::get_id();
   MediaPlayer player;
 
@@ -151,7 +159,7 @@ TEST_F(MediaPlayerTest, APauseStopsTheRecordsAndNothingIsLost) {
   host.player.Play();
   ASSERT_TRUE(host.PollUntilStopped());
   EXPECT_EQ(host.records, 20);
-  EXPECT_THAT(host.told, ElementsAre("started tone", "ended"));
+  EXPECT_THAT(host.told, ElementsAre("started tone", "paused", "playing", "ended"));
 }
 
 TEST_F(MediaPlayerTest, AfterALongAbsenceOnlyTheLastRecordsAreTold) {
@@ -211,6 +219,100 @@ TEST_F(MediaPlayerTest, AFileThatVanishesPlaysOnAndCannotBePlayedAgain) {
   host.player.Play();
   ASSERT_TRUE(host.PollUntil([&] { return host.told.size() > 2; }));
   EXPECT_THAT(host.told, ElementsAre("started tone", "ended", EndsWith("no such file")));
+}
+
+// Three tracks, of which the first two end within a record; the third cannot be read.
+TEST_F(MediaPlayerTest, TracksFollowEachOtherWithoutAHole) {
+  Host host(kSilentSink);
+  const auto write = [&](const std::string& name, double seconds, int bin) {
+    return folder.Write(name, "flacenc", {44100, 2, seconds, Sine(bin * 86.1328125)});
+  };
+  std::vector<std::string> tracks{write("a.flac", 0.98, 10), write("b.flac", 0.52, 40),
+                                  write("c.flac", 1.0, 80), folder.Path("gone.flac")};
+  std::size_t next = 1;
+  host.onAboutToEnd = [&] {
+    EXPECT_EQ(host.player.CurrentMedium(), tracks[next - 1]);
+    host.player.SetNext(tracks[next++]);
+  };
+  host.player.Open(tracks[0]);
+  ASSERT_TRUE(host.PollUntilStopped());
+  EXPECT_THAT(host.told, ElementsAre("started a", "started b", "started c", "ended"));
+  EXPECT_EQ(host.records, 50) << "of 2.5 seconds";
+  std::vector<long> expected(19, 10);
+  expected.insert(expected.end(), {-1, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40});
+  expected.resize(50, 80);
+  for (std::size_t i = 0; i < host.loudestBins.size(); ++i)
+    EXPECT_TRUE(i == 19 || host.loudestBins[i] == expected[i]) << i;
+  EXPECT_EQ(next, 4U);
+}
+
+TEST_F(MediaPlayerTest, SeekingGoesWhereItIsTold) {
+  const Sound rising{44100, 2, 4, [](double time, int channel) {
+                       return Sine(time < 2 ? 861.328 : 4306.64)(time, channel);
+                     }};
+  Host host(kSilentSink);
+  host.player.Seek(1); // nothing is open
+  host.onAboutToEnd = [&] { host.player.SetNext(folder.Path("rising.flac")); };
+  host.player.Open(folder.Write("rising.flac", "flacenc", rising));
+  ASSERT_TRUE(host.PollUntilRecords(3));
+  EXPECT_TRUE(host.player.CanSeek());
+  EXPECT_EQ(host.player.Length(), 4);
+  host.player.Seek(3.5);
+  EXPECT_EQ(host.player.Position(), 3.5);
+  ASSERT_TRUE(host.PollUntil([&] { return host.loudestBins.back() == 50; }));
+  EXPECT_NEAR(host.player.Position(), 3.5, 0.2);
+  // Its end has been decoded long ago, and the next is waiting.
+  host.player.Seek(1.9);
+  ASSERT_TRUE(host.PollUntil([&] { return host.loudestBins.back() == 10; }));
+  host.player.Pause();
+  host.player.Seek(-1);
+  ASSERT_TRUE(host.PollUntil([&] { return host.told.back() == "paused"; }));
+  EXPECT_EQ(host.player.Position(), 0);
+  host.onAboutToEnd = nullptr;
+  host.player.Play();
+  host.player.Seek(1e9);
+  ASSERT_TRUE(host.PollUntilStopped());
+  EXPECT_THAT(host.told, testing::Contains("ended"));
+  EXPECT_EQ(std::ranges::count(host.told, "started rising"), 1);
+}
+
+TEST_F(MediaPlayerTest, TheKnobsActOnWhatIsHeardAlone) {
+  Host host("slowspeaker");
+  host.player.SetVolume(0.5);
+  host.player.Open(folder.Write("tone.flac", "flacenc", ToneAt(0, 3)));
+  ASSERT_TRUE(host.PollUntil([&] { return host.firstLoud.has_value(); }));
+  EXPECT_NEAR(slow_speaker::Loudest(), 0.125, 0.01) << "the cube";
+  host.player.SetMuted(true);
+  ASSERT_TRUE(host.PollUntil([] { return slow_speaker::Loudest() == 0; }));
+  const int before = host.records;
+  ASSERT_TRUE(host.PollUntilRecords(before + 2));
+  EXPECT_EQ(host.loudestBins.back(), 12);
+  host.player.SetOffset(400);
+  const double position = host.player.Position();
+  const int then = host.records;
+  ASSERT_TRUE(host.PollUntilRecords(then + 1));
+  EXPECT_GT(host.player.Position() - position, 0.3) << "the records are late from now on";
+}
+
+// Each has its threads, devices and files; none may be left.
+TEST_F(MediaPlayerTest, ManyMediaLeaveNothingBehind) {
+  const std::string path = folder.Write("short.flac", "flacenc", ToneAt(0, 0.1));
+  const auto descriptors = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  std::ptrdiff_t before = 0;
+  for (int i = 0; i < 60; ++i) {
+    {
+      Host host(i % 3 == 0 ? "slowspeaker" : kSilentSink);
+      host.onAboutToEnd = [&] { host.player.SetNext(i % 2 == 0 ? path : folder.Path("gone")); };
+      for (int open = 0; open < i % 4; ++open)
+        host.player.Open(path);
+      host.player.Open(path);
+      host.PollUntilRecords(i % 5);
+    }
+    if (i == 10) before = descriptors();
+  }
+  EXPECT_LE(descriptors(), before + 2);
 }
 
 TEST_F(MediaPlayerTest, AListenerMayStopOrOpenAnother) {

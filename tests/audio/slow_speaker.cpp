@@ -14,6 +14,7 @@ struct Heard {
   std::mutex mutex;
   std::optional<Clock::time_point> first;
   Clock::time_point written; // when the device takes the next value
+  float loudest = 0;         // of what was written last
   bool plugged = true;
 };
 Heard heard;
@@ -51,6 +52,9 @@ int Write(GstAudioSink* self, void* data, unsigned length) {
     for (unsigned i = 0; i < count && !heard.first; ++i)
       if (values[i] > 0.01F || values[i] < -0.01F)
         heard.first = begin + kLatency + std::chrono::microseconds(i * 1000000ULL / kRate);
+    heard.loudest = 0;
+    for (unsigned i = 0; i < count; ++i)
+      heard.loudest = std::max(heard.loudest, values[i]);
     end = heard.written = begin + std::chrono::microseconds(count * 1000000ULL / kRate);
   }
   std::this_thread::sleep_until(end);
@@ -91,6 +95,11 @@ void Reset() {
 std::optional<Clock::time_point> FirstHeard() {
   const std::scoped_lock lock(heard.mutex);
   return heard.first;
+}
+
+float Loudest() {
+  const std::scoped_lock lock(heard.mutex);
+  return heard.loudest;
 }
 
 void Unplug() {

@@ -20,6 +20,9 @@ void Reset();
 /// When the first sound louder than silence since `Reset` is or was heard.
 std::optional<Clock::time_point> FirstHeard();
 
+/// The largest value of what was written last.
+float Loudest();
+
 /// From now on every write fails, as when the device is unplugged.
 void Unplug();
 

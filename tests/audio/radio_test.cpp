@@ -1,0 +1,135 @@
+#include "host/media_player.h"
+#include "tests/audio/sound_files.h"
+#include "tests/platform/servers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+namespace halvenor {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class RadioTest : public testing::Test, protected MediaPlayer::Listener {
+protected:
+  void SetUp() override {
+    const std::string sound = folder.Write(
+        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 4, Sine(1000)});
+    server = std::make_unique<ServerProcess>(
+        std::vector<std::string>{"python3", HALVENOR_RADIO, sound, "16000", folder.Path("port")},
+        -1);
+    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(folder.Path("port")); }));
+    std::ifstream(folder.Path("port")) >> port;
+  }
+
+  void Started(const MediaTags& tags) override { told.push_back("started " + tags.title); }
+  void TagsChanged(const MediaTags& /*tags*/) override {}
+  void StreamTagsChanged(const StreamTags& tags) override {
+    if (!tags.title.empty()) titles.push_back(tags.title);
+  }
+  void Record(const RenderVisualData& record) override {
+    loud += record.spectrum[0][12] > 200 ? 1 : 0;
+  }
+  void Ended() override { told.emplace_back("ended"); }
+  void Failed(const std::string& error) override { told.push_back("failed " + error); }
+  void Reconnecting(const std::string& reason) override { told.push_back("lost " + reason); }
+
+  void Open(const std::string& ways) {
+    address = "http://127.0.0.1:" + port + "/" + ways;
+    player.Open(address);
+  }
+  bool Until(const std::function<bool()>& done) {
+    const auto end = Clock::now() + 30s;
+    while (!done() && Clock::now() < end) {
+      std::this_thread::sleep_for(5ms);
+      player.Poll();
+    }
+    return done();
+  }
+
+  SoundFolder folder;
+  std::unique_ptr<ServerProcess> server;
+  std::string port, address;
+  std::vector<std::string> told, titles;
+  int loud = 0;
+  MediaPlayer player{*this, "fakesink sync=true"};
+};
+
+TEST_F(RadioTest, TitlesComeWithTheSound) {
+  Open("good");
+  ASSERT_TRUE(Until([&] { return titles.size() >= 3 && loud >= 20; }));
+  EXPECT_THAT(told, ElementsAre("started Loopback FM"));
+  EXPECT_EQ(titles[0], "Someone - Song 0");
+  EXPECT_EQ(titles[1], "Someone - Song 1");
+  EXPECT_FALSE(player.Length());
+  EXPECT_FALSE(player.CanSeek());
+  player.Pause();
+  ASSERT_TRUE(Until([&] { return player.CurrentState() == MediaPlayer::State::Paused; }));
+  player.Play();
+  const int before = loud;
+  ASSERT_TRUE(Until([&] { return loud > before + 5; }));
+}
+
+TEST_F(RadioTest, WhatItSaysOfItselfIsNotTrusted) {
+  Open("lie");
+  EXPECT_TRUE(Until([&] { return loud >= 3; })) << "sound called a picture";
+  Open("long");
+  titles.clear();
+  ASSERT_TRUE(Until([&] { return !titles.empty() && titles.back().starts_with("Long"); }))
+      << testing::PrintToString(titles);
+  EXPECT_LE(titles.back().size(), 1000U);
+  EXPECT_THAT(titles.back(), Each(AllOf(testing::Ne('\x01'), testing::Ne('\n'))));
+}
+
+TEST_F(RadioTest, WhatNeverPlayedFailsWithAWord) {
+  struct Case {
+    std::string ways, word;
+  };
+  for (const auto& [ways, word] :
+       {Case{"gone", "cannot be found (HTTP 404)"}, Case{"page", "is a web page, not sound"}}) {
+    told.clear();
+    Open(ways);
+    ASSERT_TRUE(Until([&] { return !told.empty(); })) << ways;
+    EXPECT_THAT(told, ElementsAre("failed " + address + ": " + word));
+  }
+  server->Kill();
+  told.clear();
+  Open("good");
+  ASSERT_TRUE(Until([&] { return !told.empty(); }));
+  EXPECT_THAT(told[0], HasSubstr("failed " + address));
+}
+
+TEST_F(RadioTest, WhatIsLostIsTriedAgain) {
+  struct Case {
+    std::string ways, word;
+  };
+  for (const auto& [ways, word] :
+       {Case{"short,gone,good", "the stream has ended"}, Case{"drop,good", ""},
+        Case{"stall,good", "nothing came for 10 seconds"}}) {
+    told.clear();
+    Open(ways);
+    ASSERT_TRUE(Until([&] { return told.size() > 1; })) << ways;
+    EXPECT_THAT(told[1], HasSubstr("lost " + address + ": " + word));
+    EXPECT_EQ(player.CurrentState(), MediaPlayer::State::Playing);
+    ASSERT_TRUE(Until([&] { return told.back() == "started Loopback FM"; })) << ways;
+    const int before = loud;
+    EXPECT_TRUE(Until([&] { return loud > before + 20; })) << ways;
+    if (ways.find("gone") != std::string::npos) {
+      EXPECT_THAT(told, ElementsAre("started Loopback FM", testing::_, HasSubstr("404"),
+                                    "started Loopback FM"));
+    }
+  }
+}
+
+} // namespace
+} // namespace halvenor

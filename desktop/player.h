@@ -9,11 +9,21 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 class QSettings;
 
 namespace halvenor {
+
+/// What another program of this desktop says that it plays.
+struct OthersTrack {
+  QString player; ///< its name, for people; empty: nobody plays
+  QString title;
+  QString artist;
+  bool isPaused = false;
+  friend bool operator==(const OthersTrack&, const OthersTrack&) = default;
+};
 
 /// Plays media or listens to the computer, and keeps the plug-in told: records, track and stream,
 /// play, pause, stop, and that nothing happens. One thread. What can fail is told by `Reported`,
@@ -58,6 +68,11 @@ public:
   [[nodiscard]] QString StateWords() const;
   [[nodiscard]] QString Title() const;
   [[nodiscard]] QString Artist() const;
+  [[nodiscard]] QString Album() const; ///< of radio: the station
+  /// The path or the URI of what plays, its bytes as they are; empty: nothing is played.
+  [[nodiscard]] std::string Medium() const;
+  /// A number that nothing else had that was played before.
+  [[nodiscard]] unsigned TrackNumber() const;
 
   [[nodiscard]] std::vector<Source> Sources() const;
   /// The chosen source; empty: whatever the default output is.
@@ -69,6 +84,8 @@ public:
   [[nodiscard]] bool CanGoNext() const;
   [[nodiscard]] bool CanGoPrevious() const;
   [[nodiscard]] bool CanSeek() const;
+  /// Whether `Play` can do something: there is a queue.
+  [[nodiscard]] bool CanPlay() const;
   [[nodiscard]] bool IsPaused() const;
   [[nodiscard]] double Position() const;              ///< seconds
   [[nodiscard]] std::optional<double> Length() const; ///< seconds; none for what has no end
@@ -78,6 +95,9 @@ public:
   /// output device.
   [[nodiscard]] int Offset() const;
   [[nodiscard]] QString OutputDevice() const;
+
+  /// What is listened to while the computer is: its titles are shown then.
+  void SetOthersTrack(const OthersTrack& track);
 
 public slots:
   /// Listens to `source`; empty: to the default output, whatever that becomes.
@@ -101,7 +121,10 @@ signals:
   /// Something of the state has changed (but for position and level).
   void Changed();
   void TrackChanged(const QString& title, const QString& artist);
-  /// The loudest of the last 50 ms before any gain, 0..1 of full scale.
+  /// Position has jumped to that second.
+  void Seeked(double seconds);
+  /// The loudest of the last 50 ms before any gain, as a meter shows it: 0 is -60 dBFS or less, 1
+  /// full scale.
   void LevelChanged(double level);
   /// One line for a person.
   void Reported(const QString& line);

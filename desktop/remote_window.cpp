@@ -4,8 +4,9 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
-#include <QtGui/QKeyEvent>
 #include <QtGui/QKeySequence>
+#include <QtGui/QWindow>
+#include <qpa/qwindowsysteminterface.h>
 
 namespace halvenor {
 
@@ -40,15 +41,15 @@ bool RemoteWindow::PressKey(const QString& key) {
   const bool isCharacter = key.size() == 1 && key.front().isPrint();
   const QKeySequence sequence(key == QLatin1String(" ") ? QStringLiteral("Space") : key);
   const bool isNamed = sequence.count() == 1 && sequence[0].key() != Qt::Key_unknown;
-  if (!isCharacter && !isNamed) return false;
+  if ((!isCharacter && !isNamed) || !window_.windowHandle()) return false;
   const Qt::Key code = isNamed ? sequence[0].key() : Qt::Key_unknown;
   Qt::KeyboardModifiers modifiers = isNamed ? sequence[0].keyboardModifiers() : Qt::NoModifier;
   if (isCharacter && key.front().isUpper()) modifiers |= Qt::ShiftModifier;
   QString text = isCharacter ? key : QString();
   if (code == Qt::Key_Space) text = QStringLiteral(" ");
+  // As from the keyboard: by way of the plug-in, the shortcuts and the focus.
   for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-    QKeyEvent event(type, code, modifiers, text);
-    QCoreApplication::sendEvent(&window_, &event);
+    QWindowSystemInterface::handleKeyEvent(window_.windowHandle(), type, code, modifiers, text);
   }
   return true;
 }

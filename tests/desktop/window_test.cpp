@@ -75,7 +75,7 @@ class WindowTest : public testing::TestWithParam<Desk> {
 protected:
   std::unique_ptr<DisplaySession> desk = GetParam().start(GetParam().scale);
 
-  std::unique_ptr<Program> StartRecorded(const QStringList& arguments = {}) {
+  std::unique_ptr<Program> StartRecorded(const QStringList& arguments = {"--demo"}) {
     return std::make_unique<Program>(QStringList{"--plugin", HALVENOR_RECORDING_PLUGIN} + arguments,
                                      desk->Environment());
   }
@@ -141,7 +141,7 @@ TEST_P(WindowTest, TellsThePlugInWhatHappens) {
 }
 
 TEST_P(WindowTest, ShowsAMovingPicture) {
-  Program program({}, desk->Environment());
+  Program program({"--demo"}, desk->Environment());
   const QRect middle(400, 200, 480, 360);
   QImage last;
   EXPECT_TRUE(Eventually([&] {
@@ -184,7 +184,7 @@ protected:
 
 TEST_F(OneDeskTest, EndsInOrder) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, 0}) {
-    Program program({"--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+    Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
     ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
     if (signal) {
       program.Signal(signal);
@@ -222,9 +222,9 @@ TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
       {{"/nowhere/song.ogg"},
        desk->Environment(),
        "halvenor: /nowhere/song.ogg: there is no such file"},
-      {{folder.path()},
+      {{"--source", "x", text},
        desk->Environment(),
-       "halvenor: " + folder.path().toStdString() + ": this is a folder"},
+       "halvenor: either --source or something to play"},
       {{"--plugin", text},
        desk->Environment(),
        "halvenor: cannot load the plug-in " + text.toStdString()},

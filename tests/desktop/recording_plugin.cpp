@@ -5,6 +5,7 @@
 
 #include <X11/Xlib.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -59,6 +60,21 @@ void WriteWindow(FourCharCode code, const VisualWindowMessage& window) {
                   (native ? "native " : "nothing ") + std::to_string(window.drawRect.right) + "x" +
                   std::to_string(window.drawRect.bottom) + " options " +
                   std::to_string(window.options));
+}
+
+void WriteTrack(FourCharCode code, const VisualTrackMessage& message) {
+  std::string text;
+  if (const TrackInfo* track = message.trackInfo) {
+    text = " " + PascalText(track->bytes + kTrackTitleOffset) + " - " +
+           PascalText(track->bytes + kTrackArtistOffset);
+  }
+  if (const StreamInfo* stream = message.streamInfo)
+    text += " | " + PascalText(stream->bytes + kStreamTitleOffset);
+  Write(code, text);
+}
+
+bool HasSound(const RenderVisualData& record) {
+  return std::ranges::any_of(record.spectrum[0], [](std::uint8_t bin) { return bin > 20; });
 }
 
 void Request(const Activation& host, FourCharCode code, HostMessage& request) {
@@ -123,11 +139,12 @@ Status Handle(FourCharCode code, VisualMessage* record, void* refCon) {
     return status::kOk;
   case message::kPlay:
   case message::kChangeTrack: {
-    const TrackInfo& track = *record->track.trackInfo;
-    Write(code, " " + PascalText(track.bytes + kTrackTitleOffset) + " - " +
-                    PascalText(track.bytes + kTrackArtistOffset));
+    WriteTrack(code, record->track);
     return status::kOk;
   }
+  case message::kRenderData:
+    Write(code, HasSound(*record->render.renderData) ? " sound" : "");
+    return status::kOk;
   default:
     break;
   }

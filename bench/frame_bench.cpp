@@ -34,10 +34,11 @@ struct Times {
   double processor;
 };
 
-/// A frame by halvenor-render's road, and by the driver alone.
-struct Pair {
+/// A frame by halvenor-render's road, by the driver alone, and there part by part.
+struct Frame {
   Times whole;
   Times driver;
+  PartTimes parts;
 };
 
 template <class Work>
@@ -50,7 +51,11 @@ Times Measure(const Work& work) {
   return {elapsed.count(), ProcessorMilliseconds() - processorBefore};
 }
 
-double Median(std::vector<double> values) {
+/// The median of what `of` finds in each.
+template <class Of>
+double Median(const std::vector<Frame>& frames, const Of& of) {
+  std::vector<double> values(frames.size());
+  std::transform(frames.begin(), frames.end(), values.begin(), of);
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
@@ -81,15 +86,13 @@ public:
     tape_.Play();
     if (tape_.Picture(width_, height_) != picture_) Fail("the replay shows another picture");
 
-    std::vector<Pair> pairs;
-    std::vector<PartTimes> parts;
+    std::vector<Frame> measured;
     for (int i = 0; i < frames; ++i) {
       const Times whole = Measure([this] { DrawFrame(); });
-      pairs.push_back({whole, Measure([this] { tape_.Play(); })});
-      parts.push_back(tape_.PlayInParts());
+      const Times driver = Measure([this] { tape_.Play(); });
+      measured.push_back({whole, driver, tape_.PlayInParts()});
     }
-    Print(second, pairs);
-    Print(parts);
+    Print(second, measured);
   }
 
 private:
@@ -99,33 +102,18 @@ private:
     if (!show_->Draw(time_, picture_, error)) Fail(error);
   }
 
-  void Print(int second, const std::vector<Pair>& pairs) const {
-    const auto median = [&](auto of) {
-      std::vector<double> values;
-      values.reserve(pairs.size());
-      for (const Pair& pair : pairs)
-        values.push_back(of(pair));
-      return Median(std::move(values));
-    };
+  void Print(int second, const std::vector<Frame>& frames) const {
     std::printf("%4d s %8zu", second, tape_.Length());
-    for (const auto part : {&Times::elapsed, &Times::processor}) {
+    for (const auto kind : {&Times::elapsed, &Times::processor}) {
       std::printf("  %10.3f %10.3f %8.3f",
-                  median([=](const Pair& pair) { return pair.whole.*part; }),
-                  median([=](const Pair& pair) { return pair.driver.*part; }),
-                  median([=](const Pair& pair) { return pair.whole.*part / (pair.driver.*part); }));
+                  Median(frames, [=](const Frame& f) { return f.whole.*kind; }),
+                  Median(frames, [=](const Frame& f) { return f.driver.*kind; }),
+                  Median(frames, [=](const Frame& f) { return f.whole.*kind / (f.driver.*kind); }));
     }
-    std::printf("\n");
-  }
-
-  static void Print(const std::vector<PartTimes>& frames) {
-    std::printf("      ");
-    for (std::size_t part = 0; part < kPartNames.size(); ++part) {
-      std::vector<double> values;
-      values.reserve(frames.size());
-      for (const PartTimes& times : frames)
-        values.push_back(times[part]);
-      std::printf(" %s %.3f", kPartNames[part], Median(std::move(values)));
-    }
+    std::printf("\n      ");
+    for (std::size_t part = 0; part < kPartNames.size(); ++part)
+      std::printf(" %s %.3f", kPartNames[part],
+                  Median(frames, [=](const Frame& f) { return f.parts[part]; }));
     std::printf("\n");
   }
 

@@ -43,13 +43,6 @@ TEST(HostileSettings, EveryFieldAtItsExtremes) {
   }
 }
 
-TEST(HostileSettings, AMillionLinesEnd) {
-  Settings settings = DefaultSettings();
-  settings.numLines = 1e6F;
-  settings.numFrequencyLabels = kMost;
-  DrawWith(settings);
-}
-
 TEST(HostileSettings, RandomBlocks) {
   std::minstd_rand random(11);
   for (int i = 0; i < 10; ++i) {

@@ -154,34 +154,6 @@ TEST_F(AglBehaviour, ASwapHandsOverOneFrameOfThePortsSize) {
   EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
 }
 
-TEST_F(AglBehaviour, AContextMovesBetweenThreadsThatLetGoOfIt) {
-  for (int i = 0; i < 3; ++i) {
-    ASSERT_TRUE(aglSetCurrentContext(context_));
-    aglSwapBuffers(context_);
-    ASSERT_TRUE(aglSetCurrentContext(nullptr));
-    std::thread([this] {
-      EXPECT_TRUE(aglSetCurrentContext(context_));
-      aglSwapBuffers(context_);
-      EXPECT_TRUE(aglSetCurrentContext(nullptr));
-      EXPECT_TRUE(aglSetCurrentContext(nullptr)) << "with nothing current";
-      EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
-    }).join();
-  }
-  EXPECT_EQ(frames_.size(), 6U);
-}
-
-TEST_F(AglBehaviour, DestroyingTheCurrentContextLetsGoOfIt) {
-  AGLContext second = aglCreateContext(format_, nullptr);
-  ASSERT_NE(second, nullptr);
-  EXPECT_TRUE(aglSetDrawable(second, &port_));
-  ASSERT_TRUE(aglSetCurrentContext(second));
-  EXPECT_TRUE(aglDestroyContext(second));
-  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
-  ASSERT_TRUE(aglSetCurrentContext(context_));
-  aglSwapBuffers(context_);
-  EXPECT_EQ(frames_.size(), 1U);
-}
-
 /// A pbuffer of the current context with the texture that shows it, gone at the end of its scope,
 /// where the context has to be current.
 class ShownPBuffer {

@@ -151,10 +151,7 @@ void GlState::Do(Of<Function::glProgramStringARB>, GLenum target, GLenum /*forma
     const std::lock_guard lock(mutex);
     program_error =
         program.starts_with(header) ? ProgramError() : ProgramError{0, "no program header"};
-    if (!injected.empty()) {
-      if (injected.front().position >= 0) program_error = injected.front();
-      injected.pop_front();
-    }
+    if (injected.position >= 0) program_error = std::exchange(injected, {});
     program_texts[bound_programs.at(PlaceOf(target))] = std::move(program);
     if (program_error.position < 0) return;
   }
@@ -191,11 +188,9 @@ void SetExtensions(std::string list) {
   TheGl().extensions = std::move(list);
 }
 
-void InjectProgramError(int position, std::string text, std::size_t nth) {
-  GlState& gl = TheGl();
-  const std::lock_guard lock(gl.mutex);
-  if (gl.injected.size() < nth) gl.injected.resize(nth);
-  gl.injected[nth - 1] = {position, std::move(text)};
+void InjectProgramError(int position, std::string text) {
+  const std::lock_guard lock(TheGl().mutex);
+  TheGl().injected = {position, std::move(text)};
 }
 
 std::string ProgramText(unsigned program) {
@@ -244,7 +239,7 @@ void ResetGl() {
   gl.error_count = 0;
   gl.program_texts.clear();
   gl.program_error = {};
-  gl.injected.clear();
+  gl.injected = {};
 }
 
 } // namespace halvenor::stand_ins

@@ -90,7 +90,7 @@ public:
   std::deque<GLenum> errors;
   std::map<GLuint, std::string> program_texts;
   ProgramError program_error;
-  std::deque<ProgramError> injected;
+  ProgramError injected; // for the next program
 
 private:
   void SetEnabled(GLenum capability, bool enabled) {

@@ -6,7 +6,6 @@
 // be read.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -19,9 +18,8 @@ void InjectGlError(unsigned code);
 /// start both ARB program extensions. Only while no other thread uses the stand-ins.
 void SetExtensions(std::string list);
 
-/// The `nth` call of `glProgramStringARB` from now (1 is the next one) is refused with an error at
-/// `position` (0 and up).
-void InjectProgramError(int position, std::string text, std::size_t nth = 1);
+/// The next call of `glProgramStringARB` is refused with an error at `position` (0 and up).
+void InjectProgramError(int position, std::string text);
 
 /// The text that the program with this name was given last, also if it was refused or deleted.
 [[nodiscard]] std::string ProgramText(unsigned program);

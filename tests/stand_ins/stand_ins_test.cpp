@@ -142,8 +142,8 @@ TEST_F(StandIns, ProgramsAreKeptAndRefused) {
   glGenProgramsARB(2, names);
   glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]);
   glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, names[1]);
-  InjectProgramError(17, "no such opcode", 2);
   EXPECT_EQ(load(GL_VERTEX_PROGRAM_ARB, "!!ARBvp1.0 END"), -1);
+  InjectProgramError(17, "no such opcode");
   EXPECT_EQ(load(GL_FRAGMENT_PROGRAM_ARB, "!!ARBfp1.0 END"), 17);
   EXPECT_STREQ(reinterpret_cast<const char*>(glGetString(GL_PROGRAM_ERROR_STRING_ARB)),
                "no such opcode");

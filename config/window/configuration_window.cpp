@@ -22,7 +22,7 @@ ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetPlayer& playe
     : QWidget(nullptr, Qt::Window), live_(live), player_(player),
       presets_(new PresetPanel(player, live)), messages_(new MessageLine) {
   setObjectName(QStringLiteral("halvenorConfiguration"));
-  setWindowTitle(tr("Halvenor Settings"));
+  setWindowTitle(tr("Settings \u2014 Halvenor"));
   setAttribute(Qt::WA_QuitOnClose, false);
   MakeContents();
   resize(kFirstSize.boundedTo(screen()->availableSize() * 0.9));

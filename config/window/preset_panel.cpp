@@ -65,7 +65,7 @@ PresetPanel::PresetPanel(PresetPlayer& player, LiveSettings& live)
   layout->addWidget(MakeSwitching());
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
   const int cell = PresetDelegate::LeastWidth(font());
-  list_->setMinimumSize(cell + bar + 8, PresetDelegate::HeightFor(cell, font()));
+  list_->setMinimumSize(cell + bar + 8, PresetDelegate::HeightFor(cell, font()) / 2);
   connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
           &PresetPanel::UpdateActions);
   connect(&filter_, &QAbstractItemModel::modelReset, this, &PresetPanel::UpdateActions);
@@ -73,6 +73,7 @@ PresetPanel::PresetPanel(PresetPlayer& player, LiveSettings& live)
   connect(&player_, &PresetPlayer::ChosenChanged, this, [this] {
     if (player_.IsPlain()) list_->SetCurrentId(player_.Chosen());
   });
+  list_->SetCurrentId(player_.Chosen());
   UpdateActions();
   UpdateSwitching();
 }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kKeptPictures = 400;
 constexpr int kMostWishes = 60;
-constexpr int kLowestPriority = 19;
+constexpr int kPriority = 10; // drawing by software would starve the lowest
 // Another one whenever pictures of the same look would come out differently.
 constexpr char kRecipe[] = "1";
 
@@ -69,7 +69,7 @@ PresetPictures::PresetPictures(std::function<bool(const std::string&)> isWanted)
   render_.setStandardOutputFile(QProcess::nullDevice());
   render_.setStandardErrorFile(QProcess::nullDevice());
   connect(&render_, &QProcess::finished, this, &PresetPictures::OnRendered);
-  render_.setChildProcessModifier([] { [[maybe_unused]] const int is = nice(kLowestPriority); });
+  render_.setChildProcessModifier([] { [[maybe_unused]] const int is = nice(kPriority); });
 }
 
 PresetPictures::~PresetPictures() {

@@ -16,7 +16,7 @@
 namespace halvenor {
 
 /// Reads pictures when somebody looks at them. A look that has none yet is rendered by a program of
-/// ours, one at a time and at the lowest priority, and kept in the user's cache folder under a name
+/// ours, one at a time and at a low priority, and kept in the user's cache folder under a name
 /// made of the look. Where the program is missing or fails, there is no picture.
 class PresetPictures final : public QObject {
   Q_OBJECT

@@ -61,7 +61,8 @@ bool PresetPlayer::AddPresent() {
   std::string id;
   if (!Altered(library_.Add(name, *live_.Present(), &id))) return false;
   chosen_ = id;
-  ComparePresent();
+  plain_ = true;
+  emit ChosenChanged();
   emit live_.Told(tr("This look is kept as \"%1\".").arg(QString::fromStdString(name)));
   return true;
 }

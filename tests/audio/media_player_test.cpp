@@ -258,7 +258,7 @@ TEST_F(MediaPlayerTest, SeekingGoesWhereItIsTold) {
   EXPECT_TRUE(host.player.CanSeek());
   EXPECT_EQ(host.player.Length(), 4);
   host.player.Seek(3.5);
-  EXPECT_EQ(host.player.Position(), 3.5);
+  EXPECT_NEAR(host.player.Position(), 3.5, 0.1);
   ASSERT_TRUE(host.PollUntil([&] { return host.loudestBins.back() == 50; }));
   EXPECT_NEAR(host.player.Position(), 3.5, 0.2);
   // Its end has been decoded long ago, and the next is waiting.
@@ -296,7 +296,7 @@ TEST_F(MediaPlayerTest, TheKnobsActOnWhatIsHeardAlone) {
 
 // Each has its threads, devices and files; none may be left.
 TEST_F(MediaPlayerTest, ManyMediaLeaveNothingBehind) {
-  const std::string path = folder.Write("short.flac", "flacenc", ToneAt(0, 0.1));
+  const std::string path = folder.Write("short.flac", "flacenc", ToneAt(0, 0.3));
   const auto descriptors = [] {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
   };

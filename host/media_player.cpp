@@ -271,7 +271,7 @@ void MediaPlayer::Impl::Handle(GstMessage* message) {
 }
 
 void MediaPlayer::Impl::HandleError(GstMessage* message) {
-  if (PlayingPipeline::IsFromRemoved(message)) return;
+  if (pipeline->IsFromRemoved(message)) return;
   if (pipeline->IsFromSink(message) && !silent) {
     silent = true;
     BeginSoon(toldUntil);

@@ -212,6 +212,10 @@ void PlayingPipeline::Remove(int track) {
     gst_element_set_locked_state(removed->decoder.get(), TRUE);
     gst_element_set_state(removed->decoder.get(), GST_STATE_NULL);
     gst_bin_remove(GST_BIN(parts->pipeline.get()), removed->decoder.get());
+    // One that could not start has held up all the others.
+    GstElement* pipeline = parts->pipeline.get();
+    if (GST_STATE_RETURN(pipeline) == GST_STATE_CHANGE_FAILURE)
+      gst_element_set_state(pipeline, GST_STATE_TARGET(pipeline));
   });
 }
 
@@ -296,11 +300,13 @@ bool PlayingPipeline::IsFromPipeline(GstMessage* message) const {
   return GST_MESSAGE_SRC(message) == GST_OBJECT(parts_->pipeline.get());
 }
 
-bool PlayingPipeline::IsFromRemoved(GstMessage* message) {
+bool PlayingPipeline::IsFromRemoved(GstMessage* message) const {
   Owner at(GST_OBJECT(gst_object_ref(GST_MESSAGE_SRC(message))));
-  while (at && g_object_get_data(G_OBJECT(at.get()), kRemoved) == nullptr)
+  while (at && g_object_get_data(G_OBJECT(at.get()), kRemoved) == nullptr) {
+    if (at.get() == GST_OBJECT(parts_->pipeline.get())) return false;
     at.reset(gst_object_get_parent(at.get()));
-  return at != nullptr;
+  }
+  return true; // marked, or a part that its decoder has let go
 }
 
 std::string PlayingPipeline::MediaType(int track) const {

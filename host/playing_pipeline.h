@@ -53,7 +53,7 @@ public:
   bool IsFromTrack(GstMessage* message, int track) const;
   bool IsFromPipeline(GstMessage* message) const;
   /// Whether it comes from a decoder that is being removed, and means nothing.
-  static bool IsFromRemoved(GstMessage* message);
+  bool IsFromRemoved(GstMessage* message) const;
   /// The type of what the track's decoder was given, as GStreamer names it; empty if unknown.
   [[nodiscard]] std::string MediaType(int track) const;
 

@@ -170,11 +170,15 @@ TEST_P(CaptureSourceTest, SilenceIsToldAfterTwoSeconds) {
 
 class Mouth : public MediaPlayer::Listener {
 public:
-  void Started(const MediaTags&) override {}
+  void Started(const MediaTags&) override { ++starts; }
   void TagsChanged(const MediaTags&) override {}
   void Record(const RenderVisualData&) override {}
+  void StateChanged(MediaPlayer::State state) override { told.push_back(state); }
   void Ended() override {}
   void Failed(const std::string& error) override { ADD_FAILURE() << error; }
+
+  std::vector<MediaPlayer::State> told;
+  int starts = 0;
 };
 
 // The player goes by the latency of what it plays, the listener by that of what it records. Other
@@ -210,6 +214,44 @@ TEST_P(CaptureSourceTest, PictureAndSoundAreInStep) {
     }
     EXPECT_LT(std::abs(best), 0.06) << "offset " << offset;
   }
+}
+
+TEST_P(CaptureSourceTest, APauseIsHeardAtOnce) {
+  Mouth mouth;
+  MediaPlayer player(mouth, {}, &ear.server);
+  ear.andPoll = [&] { player.Poll(); };
+  ear.capture.Open();
+  player.Open(low);
+  auto best = Clock::duration::max();
+  for (int round = 0; round < 3 && best > 200ms; ++round) {
+    player.Play();
+    ASSERT_TRUE(ear.Hears(12));
+    const auto begin = Clock::now();
+    player.Pause();
+    ASSERT_TRUE(ear.Until([&] { return ear.level == 0; }));
+    best = std::min(best, Clock::now() - begin);
+    EXPECT_EQ(mouth.told.back(), MediaPlayer::State::Paused);
+  }
+  // 60 ms, and what the listener itself needs to find out.
+  EXPECT_LT(best, 200ms);
+}
+
+// The player goes on silently while there is no server, and aloud when it is back.
+TEST_P(CaptureSourceTest, ThePlayerOutlivesTheServer) {
+  Mouth mouth;
+  MediaPlayer player(mouth, {}, &ear.server);
+  ear.andPoll = [&] { player.Poll(); };
+  ear.capture.Open();
+  player.Open(low);
+  ASSERT_TRUE(ear.Hears(12));
+  machine.Kill();
+  ASSERT_TRUE(ear.Reaches(State::ServerGone));
+  const double then = player.Position();
+  ASSERT_TRUE(ear.Until([&] { return player.Position() > then + 0.5; }));
+  ASSERT_TRUE(machine.Start());
+  ASSERT_TRUE(ear.Hears(12));
+  EXPECT_GT(player.Position(), then);
+  EXPECT_EQ(mouth.starts, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(, CaptureSourceTest,

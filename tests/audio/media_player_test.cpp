@@ -3,12 +3,16 @@
 #include "tests/audio/sound_files.h"
 
 #include <gmock/gmock.h>
+#include <gst/gst.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace halvenor {
@@ -51,9 +55,9 @@ public:
     if (onRecord) onRecord();
   }
 
-  /// Until `done`, or for ten seconds; whether it came.
-  bool PollUntil(const std::function<bool()>& done) {
-    const auto limit = Clock::now() + 10s;
+  /// Until `done`, or for that long; whether it came.
+  bool PollUntil(const std::function<bool()>& done, Clock::duration patience = 10s) {
+    const auto limit = Clock::now() + patience;
     while (!done()) {
       if (Clock::now() > limit) return false;
       std::this_thread::sleep_for(5ms);
@@ -97,6 +101,25 @@ Sound ToneAt(double at, double seconds) {
             return time < at ? 0 : tone(time, channel);
           }};
 }
+
+/// Lets the clock that paces silent playing run that many times as fast.
+class FastClock {
+public:
+  explicit FastClock(unsigned factor) : clock_(gst_system_clock_obtain()) { SetRate(factor); }
+  ~FastClock() {
+    SetRate(1);
+    gst_object_unref(clock_);
+  }
+  FastClock(const FastClock&) = delete;
+  FastClock& operator=(const FastClock&) = delete;
+
+private:
+  void SetRate(unsigned factor) {
+    gst_clock_set_calibration(clock_, gst_clock_get_internal_time(clock_),
+                              gst_clock_get_time(clock_), factor, 1);
+  }
+  GstClock* clock_;
+};
 
 class MediaPlayerTest : public testing::Test {
 protected:
@@ -221,14 +244,15 @@ TEST_F(MediaPlayerTest, AFileThatVanishesPlaysOnAndCannotBePlayedAgain) {
   EXPECT_THAT(host.told, ElementsAre("started tone", "ended", EndsWith("no such file")));
 }
 
-// Three tracks, of which the first two end within a record; the third cannot be read.
+// Three tracks, of which the first two end within a record, and a fourth that is broken.
 TEST_F(MediaPlayerTest, TracksFollowEachOtherWithoutAHole) {
   Host host(kSilentSink);
   const auto write = [&](const std::string& name, double seconds, int bin) {
     return folder.Write(name, "flacenc", {44100, 2, seconds, Sine(bin * 86.1328125)});
   };
   std::vector<std::string> tracks{write("a.flac", 0.98, 10), write("b.flac", 0.52, 40),
-                                  write("c.flac", 1.0, 80), folder.Path("gone.flac")};
+                                  write("c.flac", 1.0, 80),
+                                  folder.WriteBytes("broken.flac", "no sound in here")};
   std::size_t next = 1;
   host.onAboutToEnd = [&] {
     EXPECT_EQ(host.player.CurrentMedium(), tracks[next - 1]);
@@ -313,6 +337,33 @@ TEST_F(MediaPlayerTest, ManyMediaLeaveNothingBehind) {
     if (i == 10) before = descriptors();
   }
   EXPECT_LE(descriptors(), before + 2);
+}
+
+// Played twenty times as fast as by the clock on the wall: a few seconds here, an hour's worth with
+// HALVENOR_TEST_MINUTES=60.
+TEST_F(MediaPlayerTest, LongPlayingLeavesTheMemoryLevel) {
+  const char* minutes = std::getenv("HALVENOR_TEST_MINUTES"); // NOLINT(concurrency-mt-unsafe)
+  const int tracks = minutes != nullptr ? 20 * std::atoi(minutes) : 30;
+  const std::string path =
+      folder.Write("song.flac", "taginject tags=title=Song ! flacenc", ToneAt(0, 3));
+  const auto resident = [] {
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return pages * sysconf(_SC_PAGESIZE) / 1024;
+  };
+  const FastClock fast(20);
+  Host host(kSilentSink);
+  host.onAboutToEnd = [&] { host.player.SetNext(path); };
+  host.player.Open(path);
+  const auto played = [&](int count) {
+    return host.PollUntil([&] { return host.told.size() >= static_cast<std::size_t>(count); },
+                          std::chrono::seconds(10 + count));
+  };
+  ASSERT_TRUE(played(tracks / 3));
+  const long before = resident();
+  ASSERT_TRUE(played(tracks));
+  EXPECT_LT(resident(), before + 3000) << "kilobytes, before " << before;
+  EXPECT_THAT(host.told, testing::Each("started Song"));
 }
 
 TEST_F(MediaPlayerTest, AListenerMayStopOrOpenAnother) {

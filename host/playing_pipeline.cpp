@@ -164,7 +164,7 @@ std::unique_ptr<PlayingPipeline> PlayingPipeline::Make(Worker& worker, const Med
   if (!parts->audio) return nullptr;
   parts->joint = Part(parts->pipeline, "joint");
   parts->volume = Part(parts->pipeline, "volume");
-  gst_bin_add(GST_BIN(parts->pipeline.get()), GST_ELEMENT(gst_object_ref(parts->audio.get())));
+  gst_bin_add(GST_BIN(parts->pipeline.get()), parts->audio.get());
   gst_element_link(parts->volume.get(), parts->audio.get());
   const Element analysis = Part(parts->pipeline, "analysis");
   parts->tap = std::make_unique<AnalysisTap>(GST_APP_SINK(analysis.get()));
@@ -188,7 +188,7 @@ std::optional<int> PlayingPipeline::Join(const Medium& medium) {
   track->shared->number = track->number;
   track->shared->joint.reset(GST_PAD(gst_object_ref(track->joint.get())));
   track->Connect(IsNetwork(medium.uri));
-  gst_bin_add(GST_BIN(parts_->pipeline.get()), GST_ELEMENT(gst_object_ref(track->decoder.get())));
+  gst_bin_add(GST_BIN(parts_->pipeline.get()), track->decoder.get());
   parts_->tracks[track->number] = track;
   if (track->number > 0)
     worker_.Do(

@@ -362,7 +362,9 @@ TEST_F(MediaPlayerTest, LongPlayingLeavesTheMemoryLevel) {
   ASSERT_TRUE(played(tracks / 3));
   const long before = resident();
   ASSERT_TRUE(played(tracks));
-  EXPECT_LT(resident(), before + 3000) << "kilobytes, before " << before;
+#ifndef __SANITIZE_ADDRESS__ // which keeps what is freed
+  EXPECT_LT(resident(), before + 500) << "kilobytes, before " << before;
+#endif
   EXPECT_THAT(host.told, testing::Each("started Song"));
 }
 

@@ -85,7 +85,7 @@ QPixmap PresetPictures::Find(const Preset& preset) {
       came ? QString::fromStdString(preset.picture.string()) : folder_ + FileName(preset.look);
   if (const QPixmap* read = read_.object(file)) return *read;
   if (failed_.contains(file)) return {};
-  if (const QPixmap picture = Read(file); !picture.isNull()) return picture;
+  if (QPixmap picture = Read(file); !picture.isNull()) return picture;
   if (came) {
     failed_.insert(file);
     return {};
@@ -98,7 +98,7 @@ QPixmap PresetPictures::Find(const Preset& preset) {
 }
 
 QPixmap PresetPictures::Read(const QString& file) {
-  const QPixmap picture(file);
+  QPixmap picture(file);
   if (!picture.isNull()) read_.insert(file, new QPixmap(picture));
   return picture;
 }

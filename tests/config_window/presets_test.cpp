@@ -241,15 +241,17 @@ TEST_F(PresetsTest, GetTheirPicturesWhenTheyAreSeen) {
     QFile file(Folder("renders"));
     return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
   };
-  const auto isRed = [this] {
+  const auto isRed = [this](const QString& name) {
     const QImage seen = List()->viewport()->grab().toImage();
-    return seen.pixelColor(List()->visualRect(Row("aaa-0")).center()) == QColor(Qt::red);
+    return seen.pixelColor(List()->visualRect(Row(name)).center()) == QColor(Qt::red);
   };
   Open();
-  EXPECT_TRUE(QTest::qWaitFor(isRed)) << "no picture";
-  QTest::qWait(1000);
-  EXPECT_LT(renders().count('\n'), 30) << "rows that nobody sees are rendered";
-  EXPECT_TRUE(renders().contains("--set intensity=0 ")) << renders().constData();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return renders().contains('\n'); }));
+  List()->scrollTo(Row("aaa-59"), QListView::PositionAtTop); // before the first rows had theirs
+  EXPECT_TRUE(QTest::qWaitFor([&] { return isRed("aaa-59"); })) << "no picture";
+  QTest::qWait(2500);
+  EXPECT_LT(renders().count(QByteArray("\n")), 8) << "rows that nobody sees are rendered";
+  EXPECT_TRUE(renders().contains("--set intensity=0.983")) << renders().constData();
   EndApplication();
   EXPECT_FALSE(QDir(Folder("cache/halvenor/presets")).entryList({"*.png"}).isEmpty());
 }

@@ -78,16 +78,16 @@ void TransportBar::Follow() {
 
 void TransportBar::FollowPosition() {
   const bool plays = player_.CurrentMode() == Player::Mode::Playing;
-  const std::optional<double> length = plays ? player_.Length() : std::nullopt;
+  const double length = plays ? player_.Length().value_or(0) : 0; // 0: without an end
   seek_->setEnabled(plays && player_.CanSeek());
   if (!seek_->isSliderDown()) {
     const QSignalBlocker still(seek_);
-    seek_->setRange(0, static_cast<int>(length.value_or(0)));
+    seek_->setRange(0, static_cast<int>(length));
     seek_->setValue(plays ? static_cast<int>(player_.Position()) : 0);
   }
   QString text;
   if (plays) text = Clock(player_.Position());
-  if (length) text = tr("%1 / %2").arg(text, Clock(*length));
+  if (length > 0) text = tr("%1 / %2").arg(text, Clock(length));
   time_->setText(text);
 
   const bool moves = plays && !player_.IsPaused() && isVisible();

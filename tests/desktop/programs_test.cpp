@@ -5,10 +5,12 @@
 #include "tests/desktop/other_player.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtNetwork/QLocalSocket>
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -144,6 +146,39 @@ TEST_F(ProgramsTest, PlaysAnAlbumAsAPlayerOfTheSession) {
   EXPECT_NE(Run("playerctl", {"-p", "halvenor", "metadata"}).status, 0); // nothing is played
 }
 
+TEST_F(ProgramsTest, PlaysRadioAndSaysWhatCannotBePlayed) {
+  const std::string tone = files.Write("tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true",
+                                       {.wave = Sine(1000)});
+  const std::string portFile = files.Path("port");
+  const ServerProcess radio({"python3", HALVENOR_RADIO, tone, "16000", portFile}, -1);
+  std::string port;
+  ASSERT_TRUE(Eventually([&] { return bool(std::ifstream(portFile) >> port); }));
+  const std::unique_ptr<Program> program = Start({"--demo"});
+  ASSERT_TRUE(Eventually([&] { return program->HasStart("[vrnd]"); }));
+  const QString address = QString::fromStdString("http://127.0.0.1:" + port + "/");
+  EXPECT_EQ(Control({"open", address + "stall,good"}).status, 0);
+  EXPECT_TRUE(Eventually([&] { return program->HasStart("[vply] Loopback FM -  | "); }));
+  EXPECT_TRUE(Eventually([&] { return program->Has("[ctrk] Loopback FM -  | Someone - Song 0"); }));
+  EXPECT_TRUE(Becomes("metadata xesam:title", "Someone - Song 0"));
+  EXPECT_EQ(Ask("metadata xesam:album"), "Loopback FM");
+  // It stalls: the picture rests until it is back.
+  EXPECT_TRUE(Eventually([&] { return program->Has("[vpau]") && program->Has("[vunp]"); }, 60));
+  EXPECT_TRUE(Eventually([&] { return program->Has("[ctrk] Loopback FM -  | Someone - Song 1"); }));
+  EXPECT_EQ(program->Count("halvenor: "), 1) << program->Last("halvenor: ");
+
+  QDir(Folder()).mkdir("broken");
+  for (const char* name :
+       {"broken/1.flac", "broken/2.flac", "broken/\x1b[2J\xff.flac", "broken/4.flac"})
+    files.WriteBytes(name, "no sound in here");
+  EXPECT_EQ(Control({"open", "broken"}, Folder()).status, 0);
+  EXPECT_TRUE(
+      Eventually([&] { return program->Has("halvenor: none of the 4 entries could be played"); }));
+  EXPECT_EQ(program->Count("halvenor: " + files.Path("broken")), 3);
+  EXPECT_TRUE(Becomes("status", "Stopped"));
+  for (const std::string& line : program->Lines())
+    EXPECT_EQ(line.find('\x1b'), std::string::npos) << line;
+}
+
 TEST_F(ProgramsTest, IsControlledFromOutside) {
   EXPECT_EQ(Control({"play"}), (Outcome{1, "halvenor: no running program to control"}));
   EXPECT_EQ(Control({"dance"}).status, 2);
@@ -157,6 +192,7 @@ TEST_F(ProgramsTest, IsControlledFromOutside) {
   EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), 0);
   const std::unique_ptr<Program> second = Start({"--demo"});
   ASSERT_TRUE(Eventually([&] { return second->HasStart("[vrnd]"); }));
+  EXPECT_NE(Run("playerctl", {"-l"}).said.find("halvenor.instance"), std::string::npos);
 
   Tone("Two", 2);
   const struct {

@@ -12,6 +12,12 @@ namespace {
 
 constexpr int kLookMilliseconds = 500;
 
+// Here a window learns that it is not seen only from a compositor that does not ask for more of
+// what it painted; so it has to paint something.
+bool OnWayland() {
+  return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
 bool IsStirring(QEvent::Type type) {
   return type == QEvent::Expose || type == QEvent::Resize || type == QEvent::Show;
 }
@@ -74,6 +80,7 @@ void IdleHold::Look() {
   } else {
     clock::Release();
     if (!timer_.isActive()) timer_.start(kLookMilliseconds);
+    if (OnWayland()) window_.update(0, 0, 1, 1);
   }
 }
 

@@ -18,6 +18,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtGui/QCloseEvent>
+#include <QtGui/QScreen>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 
@@ -25,6 +26,7 @@ namespace halvenor {
 namespace {
 
 constexpr QSize kFirstSize(960, 640);
+constexpr double kMostOfScreen = 0.9;
 
 const QString kGeometryKey = QStringLiteral("window/geometry");
 const QString kBarKey = QStringLiteral("window/transportBar");
@@ -89,7 +91,7 @@ MainWindow::MainWindow(std::unique_ptr<Visualizer> visualizer, Player& player, Q
   ConnectStage();
   ConnectCommands();
   ShowTitle();
-  resize(kFirstSize);
+  resize(kFirstSize.boundedTo(screen()->availableSize() * kMostOfScreen));
   restoreGeometry(settings_.value(kGeometryKey).toByteArray());
   setWindowState(windowState() & ~(Qt::WindowFullScreen | Qt::WindowMinimized));
 }
@@ -190,6 +192,14 @@ void MainWindow::ConnectCommands() {
   for (const MenuName menu :
        {MenuName::File, MenuName::Playback, MenuName::Sound, MenuName::View, MenuName::Help})
     parts.everything.addMenu(&commands.Menu(menu));
+}
+
+void MainWindow::setVisible(bool visible) {
+  if (visible)
+    parts_->stage.LetPaintingBegin();
+  else if (isVisible())
+    parts_->stage.LetPaintingEnd();
+  QMainWindow::setVisible(visible);
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

@@ -23,6 +23,8 @@ public:
              std::function<std::string()> whyNoPicture);
   ~MainWindow() override;
 
+  void setVisible(bool visible) override;
+
   /// Ends the player and tells the plug-in to end; after it only an empty window is left. May be
   /// repeated.
   void End();

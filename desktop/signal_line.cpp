@@ -63,6 +63,7 @@ void SignalLine::Announce() {
     const QString text = source.isEmpty() ? words : tr("%1: %2").arg(source, words);
     text_->setText(text);
     text_->setToolTip(text);
+    level_->setValue(level_->minimum()); // of what sounded before
   }
   emit Wanted(wanted);
 }

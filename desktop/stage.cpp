@@ -1,11 +1,21 @@
 #include "desktop/stage.h"
 
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QHideEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QWindow>
 #include <QtWidgets/QVBoxLayout>
 
 namespace halvenor {
+namespace {
+
+// Longer than a frame of the compositor. This Qt hears on a thread of its own that a frame was
+// shown, and when its window is hidden at that moment, both destroy the same object.
+constexpr int kFrameMilliseconds = 50;
+
+} // namespace
 
 Stage::Stage(QWidget& picture, QWidget& bar) : picture_(picture), bar_(bar) {
   // A home for the keyboard: the menu bar gives it back only to a widget that had it before.
@@ -49,12 +59,33 @@ void Stage::ShowAll() {
 }
 
 void Stage::ShowNow(const Overlay& overlay) {
-  if (!overlay.isWanted) overlay.widget->hide();
-  if (!overlay.isWanted || !isExposed_ || overlay.widget->isVisible()) return;
+  if (!overlay.isWanted) return HideSoon(overlay);
+  overlay.widget->setUpdatesEnabled(true);
+  if (!isExposed_ || overlay.widget->isVisible()) return;
   overlay.widget->winId(); // makes the window
   overlay.widget->windowHandle()->setParent(window()->windowHandle());
   overlay.widget->show();
   overlay.widget->raise();
+}
+
+void Stage::HideSoon(const Overlay& overlay) {
+  if (!overlay.widget->isVisible()) return;
+  overlay.widget->setUpdatesEnabled(false);
+  QTimer::singleShot(kFrameMilliseconds, overlay.widget, [widget = overlay.widget] {
+    if (!widget->updatesEnabled()) widget->hide();
+  });
+}
+
+void Stage::LetPaintingEnd() {
+  window()->setUpdatesEnabled(false);
+  for (const Overlay& overlay : overlays_)
+    overlay.widget->setUpdatesEnabled(false);
+  if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+    QThread::msleep(kFrameMilliseconds);
+}
+
+void Stage::LetPaintingBegin() {
+  window()->setUpdatesEnabled(true);
 }
 
 void Stage::Arrange() {

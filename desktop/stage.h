@@ -27,6 +27,11 @@ public:
   void AddOverlay(QWidget& overlay, Place place);
   void ShowOverlay(QWidget& overlay, bool shown);
 
+  /// To be called before the program's window is hidden and before it is shown: what was painted
+  /// has reached the compositor and come back when this returns.
+  void LetPaintingEnd();
+  void LetPaintingBegin();
+
 protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
@@ -43,6 +48,7 @@ private:
 
   void ShowAll();
   void ShowNow(const Overlay& overlay);
+  void HideSoon(const Overlay& overlay);
   void Arrange();
 
   QWidget& picture_;

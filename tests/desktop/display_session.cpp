@@ -40,6 +40,11 @@ public:
                     QString::number(size.height())});
   }
   void CloseWindow() override { Press("alt+F4"); }
+  void PutWindowAway() override {
+    away_ = Run("xdotool", {"getactivewindow"}).trimmed();
+    Run("xdotool", {"windowminimize", away_});
+  }
+  void BringWindowBack() override { Run("xdotool", {"windowactivate", away_}); }
 
 private:
   QString WaitForLine() {
@@ -48,6 +53,8 @@ private:
     return QString::fromUtf8(server.readLine()).trimmed();
   }
   QByteArray Screenshot() override { return Run("import", {"-window", "root", "ppm:-"}); }
+
+  QString away_;
 };
 
 // wlroots' own headless output; keys come from a virtual keyboard.
@@ -104,6 +111,8 @@ public:
         {"resize", "set", QString::number(size.width()), QString::number(size.height())});
   }
   void CloseWindow() override { Run("swaymsg", {"kill"}); }
+  void PutWindowAway() override { Run("swaymsg", {"[app_id=.*] move scratchpad"}); }
+  void BringWindowBack() override { Run("swaymsg", {"[app_id=.*] scratchpad show"}); }
 
 private:
   static void WriteConfiguration(const QString& path, double scale) {
@@ -177,6 +186,19 @@ void Program::Signal(int signal) {
   kill(static_cast<pid_t>(process_.processId()), signal);
 }
 
+double Program::Load(int milliseconds) {
+  const auto ticks = [this] {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process_.processId()));
+    if (!file.open(QFile::ReadOnly)) return 0LL;
+    const QList<QByteArray> fields = file.readAll().split(' ');
+    return fields.value(13).toLongLong() + fields.value(14).toLongLong();
+  };
+  const auto before = ticks();
+  QThread::msleep(static_cast<unsigned long>(milliseconds));
+  return static_cast<double>(ticks() - before) * 1000.0 /
+         static_cast<double>(sysconf(_SC_CLK_TCK)) / milliseconds;
+}
+
 int Program::ExitStatus() {
   if (process_.state() != QProcess::NotRunning && !process_.waitForFinished(kToolMilliseconds))
     return -1;
@@ -227,7 +249,7 @@ QByteArray DisplaySession::Run(const QString& program, const QStringList& argume
   tool.start(program, arguments);
   EXPECT_TRUE(tool.waitForFinished(kToolMilliseconds) && tool.exitCode() == 0)
       << program.toStdString() << ' ' << arguments.join(' ').toStdString() << ": "
-      << tool.readAllStandardError().toStdString();
+      << (tool.readAllStandardError() + tool.readAllStandardOutput()).toStdString();
   return tool.readAllStandardOutput();
 }
 

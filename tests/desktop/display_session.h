@@ -32,6 +32,8 @@ public:
   int Count(const std::string& start);
 
   void Signal(int signal);
+  /// The share of a processor that it takes in the next `milliseconds`.
+  double Load(int milliseconds);
   /// The exit status; -1 when it did not end, or ended by a signal.
   int ExitStatus();
 
@@ -57,6 +59,11 @@ public:
   /// What a person does to the window in front.
   virtual void ResizeWindow(QSize size) = 0;
   virtual void CloseWindow() = 0;
+  /// Away to where nobody sees it, and back.
+  virtual void PutWindowAway() = 0;
+  virtual void BringWindowBack() = 0;
+  /// Runs a tool to its end in this session; its standard output.
+  QByteArray Run(const QString& program, const QStringList& arguments);
   /// The whole screen as it is seen now.
   QImage Picture();
 
@@ -67,8 +74,6 @@ protected:
   DisplaySession();
   void Start(const QString& program, const QStringList& arguments,
              const QProcessEnvironment& environment);
-  /// Runs a tool to its end in this session; its standard output.
-  QByteArray Run(const QString& program, const QStringList& arguments);
   virtual QByteArray Screenshot() = 0; ///< as PPM, which costs no time to compress
 
   QTemporaryDir folder_;

@@ -167,6 +167,49 @@ TEST_P(WindowTest, ShowsAMovingPicture) {
   EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
 }
 
+// Put away, it draws nothing while its sound goes on; and it comes back.
+TEST_P(WindowTest, RestsWhileNobodySeesIt) {
+  Program program({"--demo"}, desk->Environment());
+  const auto moves = [&] {
+    const QRect middle(400, 200, 480, 360);
+    const QImage before = desk->Picture().copy(middle);
+    return DifferentPixels(before, desk->Picture().copy(middle)) > 3000;
+  };
+  ASSERT_TRUE(Eventually(moves));
+  desk->PutWindowAway();
+  EXPECT_TRUE(Eventually([&] { return program.Load(1000) < 0.15; }));
+  EXPECT_FALSE(moves());
+  desk->BringWindowBack();
+  EXPECT_TRUE(Eventually(moves));
+}
+
+// What is done over and over leaves nothing behind. A picture's memory lost each time would be a
+// hundred times as much.
+TEST_P(WindowTest, KeepsNothingOfWhatIsPast) {
+  const struct {
+    const char* exercise;
+    int turns;
+  } cases[] = {{"show", 100}, {"full", 20}, {"resize", 100}};
+  for (const auto& [exercise, turns] : cases) {
+    QProcess process;
+    process.setProcessEnvironment(desk->Environment());
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(WINDOW_EXERCISER, {exercise, QString::number(turns), HALVENOR_PLUGIN});
+    ASSERT_TRUE(process.waitForFinished(120'000)) << exercise;
+    const QByteArray last = process.readAll().trimmed().split('\n').last();
+    int done = 0;
+    int files = 0;
+    int kilobytes = 0;
+    ASSERT_EQ(
+        std::sscanf(last.constData(), "turns %d files %d memory %d kB", &done, &files, &kilobytes),
+        3)
+        << exercise << ": " << last.constData();
+    EXPECT_EQ(done, turns) << exercise;
+    EXPECT_LE(files, 0) << exercise;
+    EXPECT_LT(kilobytes, 24'000) << exercise;
+  }
+}
+
 // --- On one display, for what does not depend on it ---------------------------------------------
 
 class OneDeskTest : public testing::Test {
@@ -195,6 +238,38 @@ TEST_F(OneDeskTest, EndsInOrder) {
     EXPECT_EQ(program.Last("[hide]"), "[hide] window is there") << signal;
     EXPECT_EQ(program.Lines().back(), "[clr ]") << signal;
   }
+}
+
+// A compositor's scale changes while the program runs: the picture's pixels are the screen's again.
+TEST(ScaledDeskTest, FollowsAScaleThatChanges) {
+  const std::unique_ptr<DisplaySession> desk = DisplaySession::StartWayland(1);
+  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+  const std::string area = "[show] wayland whole native ";
+  ASSERT_TRUE(Eventually([&] { return program.HasStart(area); }));
+  int width = 0;
+  int height = 0;
+  std::sscanf(program.Last(area).c_str() + area.size(), "%dx%d", &width, &height);
+  for (const int scale : {2, 1, 3}) {
+    desk->Run("swaymsg", {"output", "HEADLESS-1", "scale", QString::number(scale)});
+    const std::string size = std::to_string(width * scale) + "x" + std::to_string(height * scale);
+    EXPECT_TRUE(Eventually([&] {
+      return program.Last("[swin]").find(" " + size + " ") != std::string::npos;
+    })) << size
+        << ", not " << program.Last("[swin]");
+  }
+}
+
+// Settings that cannot be kept are no reason to end.
+TEST_F(OneDeskTest, GoesOnWithoutSettings) {
+  QProcessEnvironment readOnly = desk->Environment();
+  readOnly.insert("XDG_CONFIG_HOME", "/proc/self");
+  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, readOnly);
+  ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
+  EXPECT_TRUE(desk->PressUntil("ctrl+t", [&] { return program.HasStart("[swin]"); }));
+  EXPECT_TRUE(
+      Eventually([&] { return program.HasStart("halvenor: /proc/self/halvenor/halvenor.conf"); }));
+  desk->CloseWindow();
+  EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
 }
 
 TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {

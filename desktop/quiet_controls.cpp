@@ -15,6 +15,7 @@ QuietControls::QuietControls(DrawingArea& area, Stage& stage, QWidget& bar)
   rest_.setInterval(kRestMilliseconds);
   connect(&rest_, &QTimer::timeout, this, &QuietControls::Rest);
   connect(&area_, &DrawingArea::PointerMoved, this, &QuietControls::Move);
+  connect(&stage_, &Stage::PointerOverOverlay, this, &QuietControls::Move);
 }
 
 void QuietControls::SetFullScreen(bool fullScreen) {

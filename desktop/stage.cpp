@@ -2,6 +2,7 @@
 
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
+#include <QtGui/QEnterEvent>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QHideEvent>
 #include <QtGui/QPainter>
@@ -129,6 +130,8 @@ bool Stage::eventFilter(QObject* watched, QEvent* event) {
   const auto* native = qobject_cast<const QWindow*>(watched);
   if (!native) {
     if (event->type() == QEvent::LayoutRequest) Arrange(); // of an overlay
+    if (event->type() == QEvent::Enter)
+      emit PointerOverOverlay(static_cast<QEnterEvent*>(event)->globalPosition().toPoint());
   } else if (event->type() == QEvent::Expose && !isExposed_ && native->isExposed()) {
     isExposed_ = true;
     QMetaObject::invokeMethod(this, &Stage::ShowAll, Qt::QueuedConnection);

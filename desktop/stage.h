@@ -32,6 +32,9 @@ public:
   void LetPaintingEnd();
   void LetPaintingBegin();
 
+signals:
+  void PointerOverOverlay(QPoint globalPosition);
+
 protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

@@ -233,7 +233,10 @@ TEST_F(ProgramsTest, IsControlledFromOutside) {
     caller->waitForBytesWritten(50);
   }
   EXPECT_EQ(Control({"play"}), (Outcome{0, ""}));
-  callers.clear();
+  for (const auto& caller : callers) {
+    EXPECT_TRUE(caller->state() == QLocalSocket::UnconnectedState ||
+                caller->waitForDisconnected(10'000));
+  }
 
   EXPECT_EQ(Control({"quit"}), (Outcome{0, ""}));
   EXPECT_EQ(first->ExitStatus(), EXIT_SUCCESS);

@@ -6,6 +6,7 @@
 #include <QtGui/QScreen>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSplitter>
@@ -123,6 +124,11 @@ void ConfigurationWindow::hideEvent(QHideEvent* event) {
   qApp->removeEventFilter(this);
   live_.Watch(false);
   presets_->StopPictures();
+  // Hidden, not rejected, which would put a colour back.
+  for (auto* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly)) {
+    dialog->hide();
+    dialog->deleteLater();
+  }
 }
 
 void ConfigurationWindow::changeEvent(QEvent* event) {
@@ -144,11 +150,11 @@ void ConfigurationWindow::closeEvent(QCloseEvent* event) {
   }
 }
 
+// Dialogs and menus have a parent, and end nothing.
 bool ConfigurationWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Close && watched->isWidgetType()) {
-    const auto* other = static_cast<QWidget*>(watched);
-    if (other->isWindow() && other != this && !isAncestorOf(other)) Save();
-  }
+  if (event->type() == QEvent::Close && watched->isWidgetType() && watched != this &&
+      !watched->parent())
+    Save();
   return QWidget::eventFilter(watched, event);
 }
 

@@ -114,6 +114,12 @@ TEST_F(WindowFixture, SavesAndPutsBack) {
     Host::refusal = refusal;
     Find<QDoubleSpinBox>("zoom")->setValue(0.1);
     Find<QCheckBox>("autopilot")->click();
+    Move(*FindSetting("innerColor")); // its dialog closes, and stores nothing
+    QTest::qWait(0);
+    const Color moved = Host::Present().innerColor;
+    Click("outerColor"); // this one stays, for as long as the window
+    Window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
     if (resize) Find<QDoubleSpinBox>("fullScreenHeight")->setValue(1080);
     const std::string how(way);
     if (how == "window") {
@@ -129,6 +135,7 @@ TEST_F(WindowFixture, SavesAndPutsBack) {
     if (kept) {
       Set(expected, "zoom", "0.1");
       expected.autopilot = 1;
+      expected.innerColor = moved;
       if (resize) expected.fullScreenHeight = 1080;
     }
     const Settings now = Host::Present();
@@ -138,6 +145,8 @@ TEST_F(WindowFixture, SavesAndPutsBack) {
       Click(way); // a second time: as it is
     }
     Window()->close();
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+      EXPECT_FALSE(widget->isVisible()) << way << ": " << widget->metaObject()->className();
   }
 }
 

@@ -110,7 +110,6 @@ GrafPtr DrawingArea::Port() {
 }
 
 bool DrawingArea::event(QEvent* event) {
-  if (event->type() == QEvent::Hide) Vanish();
   if (event->type() == QEvent::PlatformSurface &&
       static_cast<QPlatformSurfaceEvent*>(event)->surfaceEventType() ==
           QPlatformSurfaceEvent::SurfaceAboutToBeDestroyed) {

@@ -118,6 +118,7 @@ void MainWindow::ConnectPlugin() {
   connect(&parts.area, &DrawingArea::MenuWanted, this, &MainWindow::ShowMenu);
   connect(&parts.area, &DrawingArea::DoubleClicked, &parts.commands[Command::FullScreen],
           &QAction::trigger);
+  parts.area.installEventFilter(&parts.idle);
   visualizer_->DrawInto(parts.area);
 }
 

@@ -9,6 +9,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QThread>
 #include <QtGui/QScreen>
+#include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -56,9 +57,9 @@ const Exercise kExercises[] = {
     {"show",
      [](MainWindow& window, const PluginHost& plugin, int) {
        window.hide();
-       const bool hidden = RunUntil([&] { return !plugin.IsShown(); });
+       RunFor(5);
        window.show();
-       return RunUntil([&] { return plugin.IsShown(); }) && hidden;
+       return RunUntil([&] { return window.windowHandle()->isExposed() && plugin.IsShown(); });
      }},
     {"full",
      [](MainWindow& window, const PluginHost& plugin, int) {

@@ -43,12 +43,14 @@ struct PlayingPipeline::Track {
   Pad joint; // where it meets the others
   int seeksAsked = 0;
 
+  // The mutex is held by whoever touches it, the constructing and the last one too.
   struct Shared {
+    ~Shared() { const std::scoped_lock lock(mutex); }
     int number = 0;
     Pad joint;
-    std::atomic<bool> announced = false;
-    std::atomic<int> seeks = 0; // made, or failed
-    std::atomic<Clock::rep> lastBytes = 0;
+    bool announced = false;
+    int seeks = 0; // made, or failed
+    Clock::time_point lastBytes;
     std::mutex mutex;
     Tags tags;
     bool newTags = false;
@@ -56,6 +58,10 @@ struct PlayingPipeline::Track {
   std::shared_ptr<Shared> shared = std::make_shared<Shared>();
 
   void Connect(bool network);
+  void NoteSeek() const {
+    const std::scoped_lock lock(shared->mutex);
+    ++shared->seeks;
+  }
 
   static void OnPad(GstElement* decoder, GstPad* pad, Shared* shared);
   static void OnSource(GstElement* decoder, GstElement* source, Shared* shared);
@@ -97,23 +103,32 @@ void PlayingPipeline::Track::Connect(bool network) {
 
 /// Radio may replace its pad at every title: the new one comes when the old one has gone.
 void PlayingPipeline::Track::OnPad(GstElement* /*decoder*/, GstPad* pad, Shared* shared) {
-  if (GST_PAD_IS_SRC(pad) == FALSE || gst_pad_is_linked(shared->joint.get()) != FALSE) return;
+  GstPad* joint = nullptr;
+  {
+    const std::scoped_lock lock(shared->mutex);
+    joint = shared->joint.get();
+  }
+  if (GST_PAD_IS_SRC(pad) == FALSE || gst_pad_is_linked(joint) != FALSE) return;
   constexpr auto kFlow =
       static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM |
                                    GST_PAD_PROBE_TYPE_EVENT_FLUSH);
   gst_pad_add_probe(pad, kFlow, OnFlow, shared, nullptr);
-  gst_pad_link(pad, shared->joint.get());
+  gst_pad_link(pad, joint);
 }
 
 void PlayingPipeline::Track::OnSource(GstElement* /*decoder*/, GstElement* source, Shared* shared) {
-  shared->lastBytes = Clock::now().time_since_epoch().count();
+  {
+    const std::scoped_lock lock(shared->mutex);
+    shared->lastBytes = Clock::now();
+  }
   const Pad pad(gst_element_get_static_pad(source, "src"));
   if (pad) gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_BUFFER, OnBytes, shared, nullptr);
 }
 
 GstPadProbeReturn PlayingPipeline::Track::OnBytes(GstPad* /*pad*/, GstPadProbeInfo* /*info*/,
                                                   void* shared) {
-  static_cast<Shared*>(shared)->lastBytes = Clock::now().time_since_epoch().count();
+  const std::scoped_lock lock(static_cast<Shared*>(shared)->mutex);
+  static_cast<Shared*>(shared)->lastBytes = Clock::now();
   return GST_PAD_PROBE_OK;
 }
 
@@ -121,16 +136,20 @@ GstPadProbeReturn PlayingPipeline::Track::OnFlow(GstPad* pad, GstPadProbeInfo* i
   auto& shared = *static_cast<Shared*>(data);
   if ((GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER) == 0)
     return OnEvent(pad, GST_PAD_PROBE_INFO_EVENT(info), shared);
-  if (!shared.announced.exchange(true))
-    gst_pad_push_event(pad, AnalysisTap::MakeTrackEvent(shared.number));
+  std::optional<int> news;
+  {
+    const std::scoped_lock lock(shared.mutex);
+    if (!std::exchange(shared.announced, true)) news = shared.number;
+  }
+  if (news) gst_pad_push_event(pad, AnalysisTap::MakeTrackEvent(*news));
   return GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn PlayingPipeline::Track::OnEvent(GstPad* pad, GstEvent* event, Shared& shared) {
+  std::unique_lock lock(shared.mutex);
   if (GST_EVENT_TYPE(event) == GST_EVENT_TAG) {
     GstTagList* list = nullptr;
     gst_event_parse_tag(event, &list);
-    const std::scoped_lock lock(shared.mutex);
     const bool medium = TakeTags(list, shared.tags.medium);
     const bool stream = TakeTags(list, shared.tags.stream);
     shared.newTags = shared.newTags || medium || stream;
@@ -140,7 +159,8 @@ GstPadProbeReturn PlayingPipeline::Track::OnEvent(GstPad* pad, GstEvent* event, 
   // The host decides what follows, and then says so to the joint.
   const Element decoder(gst_pad_get_parent_element(pad));
   GstStructure* content = gst_structure_new(kDecoded, "track", G_TYPE_INT, shared.number, "seeks",
-                                            G_TYPE_INT, shared.seeks.load(), nullptr);
+                                            G_TYPE_INT, shared.seeks, nullptr);
+  lock.unlock();
   GstObject* source = GST_OBJECT(decoder.get());
   gst_element_post_message(decoder.get(), gst_message_new_application(source, content));
   return GST_PAD_PROBE_DROP;
@@ -185,8 +205,11 @@ std::optional<int> PlayingPipeline::Join(const Medium& medium) {
                "expose-all-streams", FALSE, nullptr);
   track->number = parts_->tracks.empty() ? 0 : parts_->tracks.rbegin()->first + 1;
   track->joint.reset(gst_element_request_pad_simple(parts_->joint.get(), "sink_%u"));
-  track->shared->number = track->number;
-  track->shared->joint.reset(GST_PAD(gst_object_ref(track->joint.get())));
+  {
+    const std::scoped_lock lock(track->shared->mutex);
+    track->shared->number = track->number;
+    track->shared->joint.reset(GST_PAD(gst_object_ref(track->joint.get())));
+  }
   track->Connect(IsNetwork(medium.uri));
   gst_bin_add(GST_BIN(parts_->pipeline.get()), track->decoder.get());
   parts_->tracks[track->number] = track;
@@ -250,7 +273,7 @@ void PlayingPipeline::Seek(double seconds) {
     // Not from the pipeline: that would ask from both ends, and flush twice.
     if (gst_element_seek_simple(parts->audio.get(), GST_FORMAT_TIME, flags,
                                 static_cast<std::int64_t>(seconds * kSecond)) == FALSE)
-      ++track->shared->seeks;
+      track->NoteSeek();
     --parts->changing;
   });
 }
@@ -323,10 +346,12 @@ std::optional<PlayingPipeline::Tags> PlayingPipeline::NewTags(int track) {
 }
 
 PlayingPipeline::Clock::time_point PlayingPipeline::LastBytes() const {
-  Clock::rep last = 0;
-  for (const auto& [number, track] : parts_->tracks)
-    last = std::max(last, track->shared->lastBytes.load());
-  return Clock::time_point(Clock::duration(last));
+  Clock::time_point last;
+  for (const auto& [number, track] : parts_->tracks) {
+    const std::scoped_lock lock(track->shared->mutex);
+    last = std::max(last, track->shared->lastBytes);
+  }
+  return last;
 }
 
 std::optional<std::int64_t> PlayingPipeline::HeardNow() const {

@@ -105,6 +105,12 @@ TEST_F(ProgramsTest, PlaysAnAlbumAsAPlayerOfTheSession) {
   EXPECT_EQ(Ask("metadata xesam:url"), "file://" + files.Path("1%20One.flac"));
   ASSERT_TRUE(Eventually([&] { return program->HasStart("[vrnd] sound"); }));
 
+  QProcess follower; // hears of changes only by what the program tells of itself
+  follower.setProcessEnvironment(environment);
+  follower.start("playerctl", {"-p", "halvenor", "--follow", "metadata", "--format",
+                               "{{status}} {{title}} {{volume}}"});
+  ASSERT_TRUE(follower.waitForReadyRead());
+
   // Over the broken one, with a word, to the end of the next and without a gap to the last.
   ASSERT_TRUE(Eventually([&] { return program->Has("[vply] Three - Tester"); }));
   EXPECT_EQ(program->Count("halvenor: " + files.Path("2 Broken.flac")), 1);
@@ -138,6 +144,12 @@ TEST_F(ProgramsTest, PlaysAnAlbumAsAPlayerOfTheSession) {
       return lines.back().starts_with(told);
     })) << command.toStdString();
   }
+  follower.waitForReadyRead(100);
+  const QByteArray followed = follower.readAll();
+  for (const char* line : {"Playing One 1", "Playing Three 1", "Paused Four 1", "Playing Four 0.5"})
+    EXPECT_TRUE(followed.contains(line)) << line << " in\n" << followed.constData();
+  follower.kill();
+  follower.waitForFinished();
   EXPECT_TRUE(Eventually([&] { return Ask("position 30").empty() && Ask("position") > "30"; }));
   EXPECT_EQ(Run("playerctl", {"-p", "halvenor", "open", QString::fromStdString(Tone("Five", 2))}),
             (Outcome{0, ""}));

@@ -264,6 +264,7 @@ void MainWindow::ShowMenu(QPoint globalPosition) {
 
 void MainWindow::ChooseSource() {
   QMenu& chooser = parts_->chooser;
+  emit chooser.aboutToShow(); // its size depends on what is there now
   const QPoint corner = parts_->stage.mapToGlobal(parts_->stage.rect().bottomLeft());
   chooser.popup(corner - QPoint(0, chooser.sizeHint().height()));
 }

@@ -39,10 +39,9 @@ void PresetCatalogue::ShowOne(const PresetStore& store, const std::string& id,
   if (const auto original = factory_.find(id); original != factory_.end()) {
     const bool isSame = SamePreset(original->second.preset, preset);
     shown.origin = isSame ? Preset::Origin::Factory : Preset::Origin::ChangedFactory;
-    const auto picture = pictures_.find(id);
-    if (picture != pictures_.end() && SameLook(original->second.preset.look, preset.look))
-      shown.picture = picture->second;
   }
+  for (const auto& [pictured, file] : pictures_)
+    if (SameLook(factory_.at(pictured).preset.look, preset.look)) shown.picture = file;
   presets_.push_back(std::move(shown));
 }
 

@@ -21,7 +21,7 @@ struct Preset {
   Settings look;    ///< of which only the look counts
   bool favourite = false;
   enum class Origin { Factory, ChangedFactory, Own } origin = Origin::Own;
-  /// The picture that came with a factory preset and still shows its look; else empty.
+  /// The picture that came with a factory preset of the same look; else empty.
   std::filesystem::path picture;
 };
 

@@ -283,7 +283,8 @@ void PresetPanel::Import() {
             [&](PresetLibrary& library) { return library.Import(file.toStdString(), &added); }))
       return;
     if (!added.empty()) list_->SetCurrentId(added.front());
-    Tell(tr("%n preset(s) imported.", nullptr, static_cast<int>(added.size())));
+    Tell(added.size() == 1 ? tr("One preset imported.")
+                           : tr("%1 presets imported.").arg(added.size()));
   });
   dialog->open();
 }

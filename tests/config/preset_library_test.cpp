@@ -63,7 +63,7 @@ std::vector<Operation> Operations(const fs::path& several) {
        {ember, wire, mine, "neu|Neu|0.400000"}},
       {"Duplicate \"Ember Tide\"",
        [](auto& l) { return l.Duplicate("ember-tide"); },
-       {ember, "ember-tide-2|Ember Tide 2|0.100000", wire, mine}},
+       {ember, "ember-tide-2|Ember Tide 2|0.100000|picture", wire, mine}},
       {"Rename \"Mine\"",
        [](auto& l) { return l.Rename("mine", "A first"); },
        {"mine|A first|0.300000", ember, wire}},

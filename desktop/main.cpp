@@ -12,9 +12,11 @@
 #include "desktop/quit_signals.h"
 #include "desktop/remote_window.h"
 #include "desktop/session_bus.h"
+#include "host/install_paths.h"
 #include "host/log_capture.h"
 #include "platform/ports.h"
 
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -92,6 +94,15 @@ int Run() {
   return ShowWindow(*options);
 }
 
+// Wayland finds the icon by the name of the menu entry, X11 takes what it is given.
+void PutOnIcon() {
+  const QString id = QStringLiteral("org.halvenor.Halvenor");
+  QGuiApplication::setDesktopFileName(id);
+  const auto icons = ExecutableFolder().parent_path() / "share/icons/hicolor/128x128/apps";
+  QGuiApplication::setWindowIcon(QIcon(QString::fromStdString(icons.string()) + QLatin1Char('/') +
+                                       id + QStringLiteral(".png")));
+}
+
 // Qt 6.4's Wayland back end, when it is destroyed, now and then waits for ever for its own reading
 // thread. By then everything of ours has ended, the plug-in too, and there is nothing to wait for.
 void LeaveWithoutWaylandTeardown(int status) {
@@ -122,6 +133,7 @@ int main(int argc, char** argv) {
     StartingMessages held;
     application = std::make_unique<QApplication>(words.Count(), words.Words());
   }
+  PutOnIcon();
   const int status = Run();
   LeaveWithoutWaylandTeardown(status);
   return status;

@@ -1,5 +1,6 @@
 #include "desktop/queue_player.h"
 
+#include "desktop/fetch.h"
 #include "desktop/shown_text.h"
 #include "host/playlist.h"
 
@@ -42,6 +43,16 @@ double MeterLevel(const RenderVisualData& record) {
   return peak == 0 ? 0 : std::max(0.0, 1 + 20 * std::log10(double(peak) / kZero) / kRange);
 }
 
+// In the background: what is far away takes its time.
+Playlist ReadAnyPlaylist(const QString& medium) {
+  const std::string name = medium.toStdString();
+  if (!IsPlaylistAddress(name)) return ReadPlaylist(name);
+  QString problem;
+  const std::optional<QByteArray> bytes = FetchList(medium, problem);
+  if (!bytes) return {.entries = {}, .problems = {problem.toStdString()}};
+  return ReadFetchedPlaylist(name, bytes->toStdString());
+}
+
 } // namespace
 
 QueuePlayer::QueuePlayer(SoundServer& server) : media_(*this, {}, &server) {
@@ -53,7 +64,7 @@ QueuePlayer::QueuePlayer(SoundServer& server) : media_(*this, {}, &server) {
 QueuePlayer::Found QueuePlayer::LookUp(const QStringList& media) {
   Found found;
   for (const QString& name : media) {
-    Playlist list = ReadPlaylist(name.toStdString());
+    Playlist list = ReadAnyPlaylist(name);
     for (PlaylistEntry& entry : list.entries) {
       std::string title = TitleOf(entry);
       found.entries.push_back({std::move(entry.medium), std::move(title)});

@@ -97,6 +97,8 @@ public:
   void Read(const std::string& medium, const std::string& title, int depth);
   Playlist TakeResult();
 
+  void ReadFetched(const std::string& address, const std::string& bytes);
+
 private:
   void ReadFolder(const fs::path& folder);
   void ReadList(const fs::path& file, PlaylistFormat format, const std::string& bytes, int depth);
@@ -226,6 +228,30 @@ void Reader::Read(const std::string& medium, const std::string& title, int depth
   }
 }
 
+void Reader::ReadFetched(const std::string& address, const std::string& bytes) {
+  // A web page is no list; the player has a word for it.
+  const std::size_t begin = bytes.find_first_not_of(" \t\r\n");
+  const bool text = begin != std::string::npos && bytes[begin] != '<';
+  const std::optional<PlaylistFormat> format = FindPlaylistFormat(std::string_view(bytes), text);
+  if (!format || bytes.find("#EXT-X-") != std::string::npos) {
+    Add(address, {});
+    return;
+  }
+  std::string problem;
+  const bool whole = ParsePlaylist(
+      *format, bytes,
+      [&](const PlaylistEntry& entry) {
+        const Text medium(g_uri_resolve_relative(address.c_str(), entry.medium.c_str(),
+                                                 G_URI_FLAGS_PARSE_RELAXED, nullptr));
+        if (medium && IsMediaAddress(medium.get())) return Add(medium.get(), entry.title);
+        if (++missing_ < kMostMissing)
+          Complain(address, "an entry is no address: " + Shown(entry.medium));
+        return missing_ < kMostMissing;
+      },
+      problem);
+  if (!whole && !problem.empty()) Complain(address, problem);
+}
+
 } // namespace
 
 bool IsPlaylistName(const std::string& medium) {
@@ -235,6 +261,17 @@ bool IsPlaylistName(const std::string& medium) {
 Playlist ReadPlaylist(const std::string& medium) {
   Reader reader;
   reader.Read(medium, {}, 0);
+  return reader.TakeResult();
+}
+
+bool IsPlaylistAddress(const std::string& medium) {
+  if (!Scheme(medium).starts_with("http")) return false;
+  return HasEnding(medium.substr(0, medium.find_first_of("?#")), kListEndings);
+}
+
+Playlist ReadFetchedPlaylist(const std::string& address, const std::string& bytes) {
+  Reader reader;
+  reader.ReadFetched(address, bytes);
   return reader.TakeResult();
 }
 

@@ -41,4 +41,13 @@ bool IsPlaylistName(const std::string& medium);
 /// entries. Any thread.
 Playlist ReadPlaylist(const std::string& medium);
 
+/// Whether `medium` is the address of something that is a playlist by its name: a list that has to
+/// be fetched before it can be read.
+bool IsPlaylistAddress(const std::string& medium);
+
+/// What the list at `address` names, which was fetched as `bytes`: addresses, also relative to its
+/// own. Files of this computer are left out, with a word. What is no list after all, or one of the
+/// pieces of a single stream (HLS), is to be played itself: the entry is `address`.
+Playlist ReadFetchedPlaylist(const std::string& address, const std::string& bytes);
+
 } // namespace halvenor

@@ -20,6 +20,7 @@ using Receiver = std::function<bool(const PlaylistEntry&)>;
 using gst_media::Text;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kBeginning = 1024; // bytes that tell a format
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
@@ -152,13 +153,8 @@ bool ParseXspf(std::string_view text, const Receiver& receiver) {
 
 } // namespace
 
-std::optional<PlaylistFormat> FindPlaylistFormat(const std::filesystem::path& file, bool named) {
-  constexpr std::size_t kBeginning = 1024;
-  std::string beginning(kBeginning, '\0');
-  std::ifstream stream(file, std::ios::binary);
-  stream.read(beginning.data(), kBeginning);
-  beginning.resize(static_cast<std::size_t>(stream.gcount()));
-  std::string_view text = beginning;
+std::optional<PlaylistFormat> FindPlaylistFormat(std::string_view beginning, bool named) {
+  std::string_view text = beginning.substr(0, kBeginning);
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   text = Trimmed(text);
   if (text.find('\0') != std::string_view::npos) return std::nullopt;
@@ -167,6 +163,14 @@ std::optional<PlaylistFormat> FindPlaylistFormat(const std::filesystem::path& fi
   if (text.starts_with('<') && text.find("xspf.org") != std::string_view::npos)
     return PlaylistFormat::Xspf;
   return named ? std::optional(PlaylistFormat::M3u) : std::nullopt;
+}
+
+std::optional<PlaylistFormat> FindPlaylistFormat(const std::filesystem::path& file, bool named) {
+  std::string beginning(kBeginning, '\0');
+  std::ifstream stream(file, std::ios::binary);
+  stream.read(beginning.data(), kBeginning);
+  beginning.resize(static_cast<std::size_t>(stream.gcount()));
+  return FindPlaylistFormat(std::string_view(beginning), named);
 }
 
 bool ParsePlaylist(PlaylistFormat format, const std::string& bytes, const Receiver& receiver,

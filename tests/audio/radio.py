@@ -10,7 +10,7 @@ Writes its port to a file and serves GET /WAY?..., where WAY is one of
   page    a web page called sound
   long    as good, with a title of 4000 characters, some of which are none
   gone    404
-A way "A,B" is A for the first listener and B for all after it.
+/WAY.pls is a playlist that names the way. A way "A,B" is A for the first listener and B for all after it.
 """
 import http.server, itertools, os, socket, struct, sys, time
 
@@ -36,6 +36,11 @@ class Radio(http.server.BaseHTTPRequestHandler):
         pass
 
     def do_GET(self):
+        if self.path.endswith(".pls"):
+            self.send_response(200)
+            self.end_headers()
+            self.wfile.write(b"[playlist]\nFile1=" + self.path[1:-4].encode() + b"\n")
+            return
         ways = self.path.strip("/").split(",")
         count = listeners[self.path] = listeners.get(self.path, 0) + 1
         way = ways[min(count, len(ways)) - 1]

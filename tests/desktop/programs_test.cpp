@@ -168,7 +168,7 @@ TEST_F(ProgramsTest, PlaysRadioAndSaysWhatCannotBePlayed) {
   const std::unique_ptr<Program> program = Start({"--demo"});
   ASSERT_TRUE(Eventually([&] { return program->HasStart("[vrnd]"); }));
   const QString address = QString::fromStdString("http://127.0.0.1:" + port + "/");
-  EXPECT_EQ(Control({"open", address + "stall,good"}).status, 0);
+  EXPECT_EQ(Control({"open", address + "stall,good.pls"}).status, 0); // a list, to be fetched
   EXPECT_TRUE(Eventually([&] { return program->HasStart("[vply] Loopback FM -  | "); }));
   EXPECT_TRUE(Eventually([&] { return program->Has("[ctrk] Loopback FM -  | Someone - Song 0"); }));
   EXPECT_TRUE(Becomes("metadata xesam:title", "Someone - Song 0"));

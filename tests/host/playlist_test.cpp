@@ -132,6 +132,41 @@ TEST_F(PlaylistTest, WhatIsBrokenIsSaidAndTheRestIsTaken) {
   }
 }
 
+TEST(FetchedPlaylistTest, NamesAddressesOnly) {
+  constexpr char kList[] = "http://radio.example/dir/listen.pls?sid=1";
+  struct Case {
+    std::string bytes;
+    std::vector<std::string> entries;
+    std::size_t problems;
+  };
+  for (const auto& [bytes, entries, problems] : {
+           Case{"[playlist]\nFile1=https://a.example/1\nFile2=other\nFile3=/top?x=1\n",
+                {"https://a.example/1", "http://radio.example/dir/other",
+                 "http://radio.example/top?x=1"},
+                0},
+           Case{"\xEF\xBB\xBFhttp://a.example/plain\r\nfile:///etc/passwd\n",
+                {"http://a.example/plain"},
+                1},
+           // Played itself: pieces of one stream, sound, a page, nothing.
+           Case{"#EXTM3U\n#EXT-X-VERSION:3\npiece.ts\n", {kList}, 0},
+           Case{std::string("\xFF\xFB\0\0", 4), {kList}, 0},
+           Case{" <!DOCTYPE html><html>no\nlist</html>", {kList}, 0},
+           Case{"", {kList}, 0},
+       }) {
+    const Playlist list = ReadFetchedPlaylist(kList, bytes);
+    std::vector<std::string> media;
+    for (const PlaylistEntry& entry : list.entries)
+      media.push_back(entry.medium);
+    EXPECT_EQ(media, entries) << bytes;
+    EXPECT_EQ(list.problems.size(), problems) << testing::PrintToString(list.problems);
+  }
+  for (const char* address : {kList, "https://a/b.M3U", "http://a/b.xspf#c"})
+    EXPECT_TRUE(IsPlaylistAddress(address)) << address;
+  for (const char* other :
+       {"http://a/stream", "http://a/?x=list.pls", "/music/b.m3u", "file:///b.m3u"})
+    EXPECT_FALSE(IsPlaylistAddress(other)) << other;
+}
+
 TEST_F(PlaylistTest, AMillionEntriesAreBounded) {
   std::string here;
   std::string gone;

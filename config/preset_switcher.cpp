@@ -51,6 +51,10 @@ bool PresetSwitcher::IsBlending() const {
   return blend_.has_value();
 }
 
+void PresetSwitcher::EndBlend() {
+  blend_.reset();
+}
+
 PresetSwitcher::Step PresetSwitcher::Advance(const Settings& present, double now) {
   if (Event event; YieldsTo(present, event)) return {std::nullopt, event};
 

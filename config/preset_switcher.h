@@ -40,6 +40,8 @@ public:
   /// on.
   void BlendTo(const Settings& target, double seconds);
   [[nodiscard]] bool IsBlending() const;
+  /// Ends the blend where it stands; switching goes on.
+  void EndBlend();
 
   Step Advance(const Settings& present, double now);
 

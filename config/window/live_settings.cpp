@@ -78,6 +78,11 @@ void LiveSettings::BlendTo(const Settings& target, double seconds) {
   if (autopilot) emit Told(tr("A preset was chosen, so the autopilot is off."));
 }
 
+void LiveSettings::EndBlend() {
+  Flush();
+  switcher_.EndBlend();
+}
+
 void LiveSettings::StartSwitching(double interval) {
   const bool autopilot = present_ && present_->autopilot != 0;
   switcher_.Start(interval);

@@ -41,6 +41,8 @@ public:
   void StopSwitching();
   void SetInterval(double interval) { switcher_.SetInterval(interval); }
   [[nodiscard]] bool IsSwitching() const { return switcher_.IsSwitching(); }
+  /// Flushes, and leaves the look as it is then.
+  void EndBlend();
   [[nodiscard]] bool IsBlending() const { return switcher_.IsBlending(); }
 
 signals:

@@ -55,7 +55,7 @@ bool PresetPlayer::Altered(const PresetLibrary::Problem& problem) {
 
 bool PresetPlayer::AddPresent() {
   if (!loaded_) Load();
-  live_.Flush();
+  live_.EndBlend(); // what is kept is what stays to be seen
   if (!live_.Present()) return false;
   const std::string name = library_.FreshName(tr("My Look").toStdString());
   std::string id;

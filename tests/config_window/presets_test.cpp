@@ -167,10 +167,16 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
   Open();
   EXPECT_TRUE(manual->isChecked());
 
-  // A hand ends a smooth change where it stands.
+  // The look that is kept stays, and so does the one that a hand is laid on.
   Find<QDoubleSpinBox>("smooth")->setValue(60);
   ClickOn("aaa");
   EXPECT_TRUE(QTest::qWaitFor([&] { return Host::Present().intensity < 0.75F; }));
+  EXPECT_EQ(Host::CallLocked(LoadedModule().addPreset), status::kOk);
+  const float kept = Host::Present().intensity;
+  QTest::qWait(250);
+  EXPECT_EQ(Host::Present().intensity, kept);
+  ClickOn("aaa");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Host::Present().intensity < kept; }));
   Find<QCheckBox>("glow")->click();
   EXPECT_TRUE(QTest::qWaitFor([&] { return Message().contains("smooth change has ended"); }));
   const Settings stands = Host::Present();

@@ -39,7 +39,7 @@ constexpr char kTakenLetters[] = "acdeilmnoprstvy";
 constexpr Group kGroups[] = {
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Picture"), kPicture},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Drawing"), kDrawing},
-    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Colours"), kColors},
+    {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Colors"), kColors},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Texts"), kTexts},
     {QT_TRANSLATE_NOOP("halvenor::SettingsPage", "Screen"), kScreen},
 };

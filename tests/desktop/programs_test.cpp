@@ -241,7 +241,7 @@ TEST_F(ProgramsTest, IsControlledFromOutside) {
     auto& caller = callers.emplace_back(std::make_unique<QLocalSocket>());
     caller->connectToServer(path);
     if (!caller->waitForConnected(2000)) continue;
-    caller->write(requests[i % std::size(requests)]);
+    caller->write(requests[static_cast<std::size_t>(i) % std::size(requests)]);
     caller->waitForBytesWritten(50);
   }
   EXPECT_EQ(Control({"play"}), (Outcome{0, ""}));

@@ -3,24 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 namespace halvenor {
 namespace {
 
 constexpr double kFullTurn = 360;
-
-template <typename Value>
-Value Read(const Settings& settings, const SettingField& field) {
-  Value value;
-  std::memcpy(&value, reinterpret_cast<const char*>(&settings) + field.offset, sizeof value);
-  return value;
-}
-
-template <typename Value>
-void Store(Settings& settings, const SettingField& field, const Value& value) {
-  std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, &value, sizeof value);
-}
 
 using Components = std::array<float, 3>;
 static_assert(sizeof(Components) == sizeof(Color));
@@ -47,25 +34,26 @@ bool Same(float one, float other) {
 bool SameField(const Settings& one, const Settings& other, const SettingField& field) {
   switch (field.type) {
   case SettingType::Real:
-    return Same(Read<float>(one, field), Read<float>(other, field));
+    return Same(ReadField<float>(one, field), ReadField<float>(other, field));
   case SettingType::Color: {
-    const auto left = Read<Components>(one, field);
-    const auto right = Read<Components>(other, field);
+    const auto left = ReadField<Components>(one, field);
+    const auto right = ReadField<Components>(other, field);
     return std::equal(left.begin(), left.end(), right.begin(), Same);
   }
   case SettingType::Flag:
-    return (Read<std::int32_t>(one, field) != 0) == (Read<std::int32_t>(other, field) != 0);
+    return (ReadField<std::int32_t>(one, field) != 0) ==
+           (ReadField<std::int32_t>(other, field) != 0);
   case SettingType::Integer:
     break;
   }
-  return Read<std::int32_t>(one, field) == Read<std::int32_t>(other, field);
+  return ReadField<std::int32_t>(one, field) == ReadField<std::int32_t>(other, field);
 }
 
 void CopyField(const Settings& from, Settings& to, const SettingField& field) {
   if (field.type == SettingType::Color)
-    Store(to, field, Read<Components>(from, field));
+    StoreField(to, field, ReadField<Components>(from, field));
   else
-    Store(to, field, Read<std::int32_t>(from, field)); // any four bytes
+    StoreField(to, field, ReadField<std::int32_t>(from, field)); // any four bytes
 }
 
 double IntoTurn(double degrees) {
@@ -120,11 +108,13 @@ Settings BlendLooks(const Settings& from, const Settings& to, double part) {
   }
   ForEachLookField([&](const SettingField& field) {
     if (field.type == SettingType::Color) {
-      Store(blend, field,
-            ColorBetween(Read<Components>(from, field), Read<Components>(to, field), part));
+      StoreField(
+          blend, field,
+          ColorBetween(ReadField<Components>(from, field), ReadField<Components>(to, field), part));
     } else if (field.type == SettingType::Real) {
       const auto between = IsAngle(field) ? AngleBetween : Between;
-      Store(blend, field, between(Read<float>(from, field), Read<float>(to, field), part));
+      StoreField(blend, field,
+                 between(ReadField<float>(from, field), ReadField<float>(to, field), part));
     } else if (part >= 0.5) {
       CopyField(to, blend, field);
     }
@@ -136,18 +126,19 @@ Settings TidyLook(const Settings& look) {
   Settings tidy = DefaultSettings();
   ForEachLookField([&](const SettingField& field) {
     if (field.type == SettingType::Real) {
-      Store(tidy, field, TidyReal(Read<float>(look, field), Read<float>(tidy, field), field));
+      StoreField(tidy, field,
+                 TidyReal(ReadField<float>(look, field), ReadField<float>(tidy, field), field));
     } else if (field.type == SettingType::Color) {
-      auto color = Read<Components>(tidy, field);
-      const auto wanted = Read<Components>(look, field);
+      auto color = ReadField<Components>(tidy, field);
+      const auto wanted = ReadField<Components>(look, field);
       for (std::size_t i = 0; i < color.size(); ++i)
         color[i] = TidyReal(wanted[i], color[i], field);
-      Store(tidy, field, color);
+      StoreField(tidy, field, color);
     } else {
-      const auto value = Read<std::int32_t>(look, field);
+      const auto value = ReadField<std::int32_t>(look, field);
       const auto clamped = std::clamp(value, static_cast<std::int32_t>(field.minimum),
                                       static_cast<std::int32_t>(field.maximum));
-      Store(tidy, field, IsFlag(field) ? std::int32_t{value != 0} : clamped);
+      StoreField(tidy, field, IsFlag(field) ? std::int32_t{value != 0} : clamped);
     }
   });
   return tidy;

@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
 namespace halvenor {
 namespace {
@@ -173,16 +172,9 @@ std::optional<std::int32_t> ParseFlag(const SettingField&, std::string_view text
 }
 
 template <typename Value>
-Value Read(const Settings& settings, const SettingField& field) {
-  Value value;
-  std::memcpy(&value, reinterpret_cast<const char*>(&settings) + field.offset, sizeof value);
-  return value;
-}
-
-template <typename Value>
 bool Store(Settings& settings, const SettingField& field, const std::optional<Value>& value) {
   if (!value) return false;
-  std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, &*value, sizeof *value);
+  StoreField(settings, field, *value);
   return true;
 }
 
@@ -226,15 +218,15 @@ std::optional<std::string> SetFromText(Settings& settings, const SettingField& f
 std::string ToText(const Settings& settings, const SettingField& field) {
   switch (field.type) {
   case SettingType::Real:
-    return Print(Read<float>(settings, field));
+    return Print(ReadField<float>(settings, field));
   case SettingType::Integer:
-    return Print(Read<std::int32_t>(settings, field));
+    return Print(ReadField<std::int32_t>(settings, field));
   case SettingType::Flag:
-    return Read<std::int32_t>(settings, field) != 0 ? "on" : "off";
+    return ReadField<std::int32_t>(settings, field) != 0 ? "on" : "off";
   case SettingType::Color:
     break;
   }
-  const auto color = Read<Color>(settings, field);
+  const auto color = ReadField<Color>(settings, field);
   return Print(color.red) + "," + Print(color.green) + "," + Print(color.blue);
 }
 

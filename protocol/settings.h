@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
@@ -81,6 +82,19 @@ struct SettingField {
 /// Every field that means something to a person, in stored order (the version and the reserved
 /// words are left out).
 std::span<const SettingField> SettingFields();
+
+/// The bytes of `field` in a block as a `Value` of their size, whatever they hold.
+template <typename Value>
+Value ReadField(const Settings& settings, const SettingField& field) {
+  Value value;
+  std::memcpy(&value, reinterpret_cast<const char*>(&settings) + field.offset, sizeof value);
+  return value;
+}
+
+template <typename Value>
+void StoreField(Settings& settings, const SettingField& field, const Value& value) {
+  std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, &value, sizeof value);
+}
 
 /// The field called `name` (exact spelling), or null.
 const SettingField* FindSetting(std::string_view name);

@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace halvenor {
 namespace {
@@ -26,28 +25,17 @@ QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-template <typename Value>
-Value Get(const Settings& settings, const SettingField& field) {
-  Value value;
-  std::memcpy(&value, reinterpret_cast<const char*>(&settings) + field.offset, sizeof value);
-  return value;
-}
-
-template <typename Value>
-void Put(Settings& settings, const SettingField& field, Value value) {
-  std::memcpy(reinterpret_cast<char*>(&settings) + field.offset, &value, sizeof value);
-}
-
 double GetNumber(const Settings& settings, const SettingField& field) {
-  if (field.type == SettingType::Real) return static_cast<double>(Get<float>(settings, field));
-  return Get<std::int32_t>(settings, field);
+  if (field.type == SettingType::Real)
+    return static_cast<double>(ReadField<float>(settings, field));
+  return ReadField<std::int32_t>(settings, field);
 }
 
 void PutNumber(Settings& settings, const SettingField& field, double value) {
   if (field.type == SettingType::Real) {
-    Put(settings, field, static_cast<float>(value));
+    StoreField(settings, field, static_cast<float>(value));
   } else {
-    Put(settings, field, static_cast<std::int32_t>(std::lround(value)));
+    StoreField(settings, field, static_cast<std::int32_t>(std::lround(value)));
   }
 }
 
@@ -198,16 +186,16 @@ public:
 
 private:
   void Display(const Settings& settings) override {
-    const auto value = Get<std::int32_t>(settings, Field());
+    const auto value = ReadField<std::int32_t>(settings, Field());
     endless_->setChecked(value == measure_.endless);
     if (value == measure_.endless) return;
     spin_->setValue(std::clamp(measure_.toShown(value), measure_.minimum, measure_.maximum));
   }
   void Write(Settings& settings) const override {
-    Put(settings, Field(),
-        endless_->isChecked()
-            ? measure_.endless
-            : static_cast<std::int32_t>(std::lround(measure_.fromShown(spin_->value()))));
+    StoreField(settings, Field(),
+               endless_->isChecked()
+                   ? measure_.endless
+                   : static_cast<std::int32_t>(std::lround(measure_.fromShown(spin_->value()))));
   }
   bool IsHeld() const override { return IsTypedInto(spin_); }
 
@@ -229,10 +217,10 @@ public:
 
 private:
   void Display(const Settings& settings) override {
-    box_->setChecked(Get<std::int32_t>(settings, Field()) != 0);
+    box_->setChecked(ReadField<std::int32_t>(settings, Field()) != 0);
   }
   void Write(Settings& settings) const override {
-    Put<std::int32_t>(settings, Field(), box_->isChecked());
+    StoreField<std::int32_t>(settings, Field(), box_->isChecked());
   }
 
   QCheckBox* box_;
@@ -253,12 +241,12 @@ private:
   int First() const { return static_cast<int>(Field().minimum); }
   // A number that is no choice shows none.
   void Display(const Settings& settings) override {
-    const int index = Get<std::int32_t>(settings, Field()) - First();
+    const int index = ReadField<std::int32_t>(settings, Field()) - First();
     box_->setCurrentIndex(index >= 0 && index < box_->count() ? index : -1);
   }
   void Write(Settings& settings) const override {
     if (box_->currentIndex() >= 0)
-      Put<std::int32_t>(settings, Field(), box_->currentIndex() + First());
+      StoreField<std::int32_t>(settings, Field(), box_->currentIndex() + First());
   }
   bool IsHeld() const override { return box_->view()->isVisible(); }
 
@@ -326,10 +314,10 @@ private:
   }
 
   void Display(const Settings& settings) override {
-    color_ = Get<Color>(settings, Field());
+    color_ = ReadField<Color>(settings, Field());
     Paint();
   }
-  void Write(Settings& settings) const override { Put(settings, Field(), color_); }
+  void Write(Settings& settings) const override { StoreField(settings, Field(), color_); }
 
   QPushButton* button_;
   QPointer<QColorDialog> dialog_;

@@ -1,6 +1,7 @@
 #include "host/media_player.h"
 #include "tests/audio/slow_speaker.h"
 #include "tests/audio/sound_files.h"
+#include "tests/memory_in_use.h"
 
 #include <gmock/gmock.h>
 #include <gst/gst.h>
@@ -9,18 +10,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <thread>
-#include <unistd.h>
 #include <vector>
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define HALVENOR_SANITIZED
-#include <sanitizer/allocator_interface.h>
-#endif
-#endif
 
 namespace halvenor {
 namespace {
@@ -29,17 +21,6 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using testing::ElementsAre;
 using testing::EndsWith;
-
-// Memory in use, kilobytes. Sanitizers keep what is freed, but know what is not.
-long MemoryInUse() {
-#ifdef HALVENOR_SANITIZED
-  return static_cast<long>(__sanitizer_get_current_allocated_bytes() / 1024);
-#else
-  long pages = 0;
-  std::ifstream("/proc/self/statm") >> pages >> pages;
-  return pages * sysconf(_SC_PAGESIZE) / 1024;
-#endif
-}
 
 constexpr const char* kSilentSink = "fakesink sync=true";
 

@@ -3,10 +3,10 @@
 #include "desktop/main_window.h"
 #include "desktop/program_settings.h"
 #include "host/preference_store.h"
+#include "tests/memory_in_use.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QThread>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <malloc.h>
 #include <string_view>
 
 namespace {
@@ -36,12 +35,6 @@ bool RunUntil(const std::function<bool()>& condition) {
 void RunFor(int milliseconds) {
   const QDeadlineTimer deadline(milliseconds);
   RunUntil([&] { return deadline.hasExpired(); });
-}
-
-long Kilobytes() {
-  malloc_trim(0);
-  QFile file("/proc/self/statm");
-  return file.open(QFile::ReadOnly) ? file.readAll().split(' ')[1].toLong() * 4 : 0;
 }
 
 long OpenFiles() {
@@ -93,14 +86,14 @@ int Run(const Exercise& exercise, int turns, const char* path) {
   long files = 0;
   for (; done >= 0 && done < turns + kFirst; ++done) {
     if (done == kFirst) {
-      memory = Kilobytes();
+      memory = MemoryInUse();
       files = OpenFiles();
     }
     if (!exercise.once(window, plugin, done)) break;
   }
   RunFor(300);
   std::fprintf(stderr, "turns %d files %+ld memory %+ld kB\n", done - kFirst, OpenFiles() - files,
-               Kilobytes() - memory);
+               MemoryInUse() - memory);
   std::fflush(nullptr);
   window.End();
   std::_Exit(EXIT_SUCCESS); // Qt's Wayland back end may wait for ever in its end

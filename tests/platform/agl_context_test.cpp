@@ -1,12 +1,11 @@
 // Contexts beside those of the host and of other threads, and what they leave behind.
+#include "tests/memory_in_use.h"
 #include "tests/platform/gl_fixture.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
-#include <fstream>
 #include <thread>
-#include <unistd.h>
 
 namespace halvenor {
 namespace {
@@ -129,13 +128,6 @@ TEST_F(ContextTest, AContextKeepsToItsWindowSystem) {
   EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_DRAWABLE});
 }
 
-long ResidentKilobytes() {
-  std::ifstream file("/proc/self/statm");
-  long pages = 0;
-  file >> pages >> pages;
-  return pages * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
 TEST_F(ContextTest, OpeningAndClosingLeavesNothing) {
   const auto openAndClose = [](int times) {
     for (int i = 0; i < times; ++i) {
@@ -151,11 +143,11 @@ TEST_F(ContextTest, OpeningAndClosingLeavesNothing) {
   };
   openAndClose(50);
   const auto files = OpenFiles();
-  const long memory = ResidentKilobytes();
+  const long memory = MemoryInUse();
   openAndClose(200);
   EXPECT_EQ(OpenFiles(), files);
   // One leaked frame buffer of 320x240 for each time would be 117 MiB.
-  EXPECT_LT(ResidentKilobytes() - memory, 16 * 1024);
+  EXPECT_LT(MemoryInUse() - memory, 16 * 1024);
 }
 
 } // namespace

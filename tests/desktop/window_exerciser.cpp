@@ -50,7 +50,8 @@ const Exercise kExercises[] = {
     {"show",
      [](MainWindow& window, const PluginHost& plugin, int) {
        window.hide();
-       RunFor(5);
+       // A window manager can lose a window that comes back before it has seen it go.
+       RunFor(30);
        window.show();
        return RunUntil([&] { return window.windowHandle()->isExposed() && plugin.IsShown(); });
      }},

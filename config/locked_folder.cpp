@@ -140,8 +140,9 @@ int LockedFolder::SetAside(const std::string& name, std::string& where) {
   if (mkdirat(folder_.Get(), kRemoved, kPrivate) != 0 && errno != EEXIST) return errno;
   const fs::path file(name);
   for (int number = 1;; ++number) {
-    const std::string end = number == 1 ? "" : "-" + std::to_string(number);
-    where = std::string(kRemoved) + "/" + file.stem().string() + end + file.extension().string();
+    where = std::string(kRemoved) + "/" + file.stem().string();
+    if (number > 1) where.append("-").append(std::to_string(number));
+    where += file.extension().string();
     const int failed = Move(name, where);
     if (failed != EEXIST) return failed;
   }

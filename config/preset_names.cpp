@@ -103,7 +103,7 @@ std::string FreshNameFor(std::string_view wish, const std::set<std::string>& tak
   std::string folded;
   std::size_t room = 0; // for the base beside the number
   for (int number = 2;; ++number) {
-    const std::string end = " " + std::to_string(number);
+    const std::string end = std::string(" ").append(std::to_string(number));
     if (room != kLongestName - end.size()) {
       room = kLongestName - end.size();
       name = CutTo(base, room);

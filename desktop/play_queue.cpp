@@ -16,11 +16,6 @@ void PlayQueue::Replace(std::vector<QueueEntry> entries) {
   current_ = -1;
 }
 
-void PlayQueue::Append(std::vector<QueueEntry> entries) {
-  entries_.insert(entries_.end(), std::make_move_iterator(entries.begin()),
-                  std::make_move_iterator(entries.end()));
-}
-
 const QueueEntry* PlayQueue::FromCurrent(int offset) const {
   const auto index = static_cast<std::ptrdiff_t>(current_) + offset;
   if (current_ < 0 || index < 0 || index >= std::ssize(entries_)) return nullptr;

@@ -18,7 +18,6 @@ class PlayQueue {
 public:
   /// No entry is the current one afterwards.
   void Replace(std::vector<QueueEntry> entries);
-  void Append(std::vector<QueueEntry> entries);
 
   [[nodiscard]] const std::vector<QueueEntry>& Entries() const { return entries_; }
   /// -1: none.

@@ -108,13 +108,6 @@ QString Player::ChosenSource() const {
   return impl_->listening.ChosenSource();
 }
 
-QStringList Player::Queue() const {
-  QStringList titles;
-  for (const QueueEntry& entry : impl_->playing.Queue().Entries())
-    titles.append(ShownLine(entry.title));
-  return titles;
-}
-
 int Player::QueueIndex() const {
   return impl_->mode == Mode::Playing ? impl_->playing.Queue().Current() : -1;
 }
@@ -198,10 +191,6 @@ void Player::Listen(const QString& source) {
 
 void Player::Open(const QStringList& media) {
   if (!impl_->ended && !media.isEmpty()) impl_->playing.Open(media);
-}
-
-void Player::Enqueue(const QStringList& media) {
-  if (!impl_->ended && !media.isEmpty()) impl_->playing.Enqueue(media);
 }
 
 void Player::PlayEntry(int index) {

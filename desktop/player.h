@@ -78,8 +78,7 @@ public:
   /// The chosen source; empty: whatever the default output is.
   [[nodiscard]] QString ChosenSource() const;
 
-  /// Titles of what is queued, and which one plays (-1: none).
-  [[nodiscard]] QStringList Queue() const;
+  /// Which entry of what is queued plays; -1: none.
   [[nodiscard]] int QueueIndex() const;
   [[nodiscard]] bool CanGoNext() const;
   [[nodiscard]] bool CanGoPrevious() const;
@@ -104,7 +103,6 @@ public slots:
   void Listen(const QString& source);
   /// Plays these from the first on: files, folders, playlists, addresses.
   void Open(const QStringList& media);
-  void Enqueue(const QStringList& media);
   void PlayEntry(int index);
   void Play();
   void Pause();

@@ -78,34 +78,18 @@ QueuePlayer::Found QueuePlayer::LookUp(const QStringList& media) {
   return found;
 }
 
-template <typename Use>
-void QueuePlayer::LookUpThen(const QStringList& media, Use use) {
-  QtConcurrent::run(&lookUps_, LookUp, media).then(this, [this, use, stops = stops_](Found found) {
-    if (stops != stops_) return;
-    for (const std::string& problem : found.problems)
-      Tell(problem);
-    use(std::move(found.entries));
-  });
-}
-
 void QueuePlayer::Open(const QStringList& media) {
   Forget();
   lookingUp_ = true;
-  LookUpThen(media, [this](std::vector<QueueEntry> entries) {
+  QtConcurrent::run(&lookUps_, LookUp, media).then(this, [this, stops = stops_](Found found) {
+    if (stops != stops_) return;
+    for (const std::string& problem : found.problems)
+      Tell(problem);
     lookingUp_ = false;
-    queue_.Replace(std::move(entries));
+    queue_.Replace(std::move(found.entries));
     if (!GoTo(0)) emit Changed();
   });
   emit Changed();
-}
-
-void QueuePlayer::Enqueue(const QStringList& media) {
-  LookUpThen(media, [this](std::vector<QueueEntry> entries) {
-    const bool first = queue_.Entries().empty();
-    queue_.Append(std::move(entries));
-    if (nearEnd_ && !nextIsGiven_) AboutToEnd();
-    if (!first || !GoTo(0)) emit Changed();
-  });
 }
 
 bool QueuePlayer::GoTo(int index) {
@@ -118,7 +102,7 @@ bool QueuePlayer::GoTo(int index) {
 
 void QueuePlayer::OpenCurrent() {
   opening_ = true;
-  reconnecting_ = nextIsGiven_ = nearEnd_ = silent_ = false;
+  reconnecting_ = nextIsGiven_ = silent_ = false;
   radio_.reset();
   ++entryNumber_;
   const QueueEntry* entry = queue_.FromCurrent(0);
@@ -156,7 +140,7 @@ void QueuePlayer::Forget() {
 }
 
 void QueuePlayer::Seek(double seconds) {
-  nextIsGiven_ = nearEnd_ = false;
+  nextIsGiven_ = false;
   media_.Seek(seconds);
 }
 
@@ -192,7 +176,7 @@ void QueuePlayer::Started(const MediaTags& tags) {
     radio_.reset();
     ++entryNumber_;
   }
-  opening_ = reconnecting_ = nextIsGiven_ = nearEnd_ = silent_ = false;
+  opening_ = reconnecting_ = nextIsGiven_ = silent_ = false;
   sinceSound_.start();
   tags_ = tags;
   length_ = media_.Length();
@@ -237,7 +221,6 @@ void QueuePlayer::StateChanged(MediaPlayer::State) {
 }
 
 void QueuePlayer::AboutToEnd() {
-  nearEnd_ = true;
   const QueueEntry* next = queue_.FromCurrent(1);
   if (!next) return;
   nextIsGiven_ = true;

@@ -27,8 +27,6 @@ public:
   /// Plays what these stand for (files, folders, playlists, addresses) in place of the queue. They
   /// are looked up in the background.
   void Open(const QStringList& media);
-  /// The same behind the queue's end; plays only where nothing had been queued.
-  void Enqueue(const QStringList& media);
   /// Plays the entry; false for what is no index.
   bool GoTo(int index);
   void Play();
@@ -71,8 +69,6 @@ private:
     std::vector<std::string> problems;
   };
   static Found LookUp(const QStringList& media);
-  template <typename Use>
-  void LookUpThen(const QStringList& media, Use use);
 
   void Started(const MediaTags& tags) override;
   void TagsChanged(const MediaTags& tags) override;
@@ -103,7 +99,6 @@ private:
   bool lookingUp_ = false;       ///< for `Open`
   bool opening_ = false;         ///< `Started` is still to come
   bool nextIsGiven_ = false;     ///< `Started` without `opening_` is the next entry's
-  bool nearEnd_ = false;
   bool reconnecting_ = false;
   bool silent_ = false;
   bool changed_ = false; ///< and not yet told

@@ -1,6 +1,5 @@
 #include "desktop/play_queue.h"
 
-#include <iterator>
 #include <utility>
 
 namespace halvenor {

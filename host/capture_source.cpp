@@ -340,6 +340,8 @@ CaptureSource::State CaptureSource::Impl::FindState() const {
 
 void CaptureSource::Impl::TellState() {
   const State found = FindState();
+  if ((found == State::NoSignal || found == State::DeviceGone) && (chosen.empty() || chosenGone))
+    server.DoubtDefault();
   if (found == state) return;
   state = found;
   listener.StateChanged(state, std::string(lastDescription));

@@ -14,6 +14,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kRetryPause = 1s;
 constexpr auto kAskPause = 50ms; // servers tell of every turn of a volume knob
+constexpr auto kDoubtPause = 5s;
 constexpr int kMostDispatches = 100;
 
 std::string TextOf(const char* text) {
@@ -35,17 +36,24 @@ void SoundServer::Connection::SetState(State wanted) {
   ++changes;
 }
 
-void SoundServer::Connection::Connect() {
-  context.reset(pa_context_new(pa_mainloop_get_api(loop.get()), clientName.c_str()));
+SoundServer::Connection::Context SoundServer::Connection::NewContext() const {
+  Context made(pa_context_new(pa_mainloop_get_api(loop.get()), clientName.c_str()));
+  pa_context_connect(made.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+  return made;
+}
+
+/// The lists stay until the newcomer has told its own.
+void SoundServer::Connection::Adopt(Context newcomer) {
+  context = std::move(newcomer);
   ++serial;
   subscribed_ = false;
-  pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+  coming_ = {};
 }
 
 void SoundServer::Connection::Disconnect() {
   if (!context) return;
-  pa_context_disconnect(context.get());
   context.reset();
+  witness_.reset();
   nextTry_ = Clock::now() + kRetryPause;
   if (lists != Lists{}) ++changes;
   lists = {};
@@ -54,7 +62,7 @@ void SoundServer::Connection::Disconnect() {
 }
 
 void SoundServer::Connection::Poll() {
-  if (!context && Clock::now() >= nextTry_) Connect();
+  if (!context && Clock::now() >= nextTry_) Adopt(NewContext());
   for (int i = 0; i < kMostDispatches && pa_mainloop_iterate(loop.get(), 0, nullptr) > 0; ++i) {
   }
   if (!context) return;
@@ -66,6 +74,7 @@ void SoundServer::Connection::Poll() {
   }
   if (reached != PA_CONTEXT_READY) return;
   Ask();
+  HearWitness();
 }
 
 /// Asks for the lists when they may have changed, one time after the other.
@@ -142,6 +151,34 @@ void SoundServer::Connection::Take() {
   SetState(State::Connected);
 }
 
+void SoundServer::Connection::DoubtDefault() {
+  if (state != State::Connected || witness_ || Clock::now() < nextDoubt_) return;
+  nextDoubt_ = Clock::now() + kDoubtPause;
+  witness_ = NewContext();
+  witnessAsked_ = false;
+  witnessDefault_.reset();
+}
+
+/// Asks the witness once. If it knows better, it becomes the connection; else it may go.
+void SoundServer::Connection::HearWitness() {
+  if (!witness_) return;
+  const pa_context_state_t reached = pa_context_get_state(witness_.get());
+  if (PA_CONTEXT_IS_GOOD(reached) == 0) {
+    witness_.reset();
+  } else if (witnessDefault_) {
+    if (*witnessDefault_ != lists.defaultOutput) Adopt(std::move(witness_));
+    witness_.reset();
+  } else if (reached == PA_CONTEXT_READY && !witnessAsked_) {
+    const auto take = [](pa_context*, const pa_server_info* info, void* self) {
+      static_cast<Connection*>(self)->witnessDefault_ =
+          TextOf(info != nullptr ? info->default_sink_name : nullptr);
+    };
+    pa_operation* asked = pa_context_get_server_info(witness_.get(), take, this);
+    if (asked != nullptr) pa_operation_unref(asked);
+    witnessAsked_ = true;
+  }
+}
+
 SoundServer::SoundServer(std::string clientName)
     : connection_(std::make_unique<Connection>(std::move(clientName))) {}
 
@@ -149,6 +186,10 @@ SoundServer::~SoundServer() = default;
 
 void SoundServer::Poll() {
   connection_->Poll();
+}
+
+void SoundServer::DoubtDefault() {
+  connection_->DoubtDefault();
 }
 
 SoundServer::State SoundServer::CurrentState() const {

@@ -54,6 +54,9 @@ public:
 
   /// To be called every 10 ms or so.
   void Poll();
+  /// To be called while nothing is heard of the default output: PipeWire has connections that it
+  /// never tells of a new default, so a new one is asked, every 5 seconds at most.
+  void DoubtDefault();
 
   [[nodiscard]] State CurrentState() const;
   /// Grows with every change of the state, the lists and the default: cheap to compare.

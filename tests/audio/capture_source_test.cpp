@@ -5,11 +5,34 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pulse/pulseaudio.h>
 
 #include <algorithm>
 #include <chrono>
 #include <optional>
 #include <thread>
+
+// The linker leads every question for the server's defaults through here, so that a connection can
+// be as PipeWire's sometimes are: it hears of no other default than the first.
+namespace {
+bool firstIsDeaf;
+pa_context* deaf;
+pa_server_info_cb_t deafAnswer;
+} // namespace
+
+extern "C" pa_operation* __real_pa_context_get_server_info(pa_context*, pa_server_info_cb_t, void*);
+extern "C" pa_operation* __wrap_pa_context_get_server_info(pa_context* context,
+                                                           pa_server_info_cb_t answer, void* user) {
+  if (deaf == nullptr && firstIsDeaf) deaf = context;
+  if (context != deaf) return __real_pa_context_get_server_info(context, answer, user);
+  deafAnswer = answer;
+  const auto lie = [](pa_context* from, const pa_server_info* info, void* to) {
+    pa_server_info old = *info;
+    old.default_sink_name = "alpha";
+    deafAnswer(from, &old, to);
+  };
+  return __real_pa_context_get_server_info(context, lie, user);
+}
 
 namespace halvenor {
 namespace {
@@ -77,6 +100,8 @@ protected:
     low = folder.Write("low.wav", "wavenc", {44100, 2, 30, Sine(12 * 86.13)});
     high = folder.Write("high.wav", "wavenc", {44100, 2, 30, Sine(40 * 86.13, 0.01)});
     ASSERT_TRUE(machine.Start());
+    firstIsDeaf = false;
+    deaf = nullptr;
   }
   bool MicrophoneIsOpen() {
     const std::string sources = machine.Ask("list short sources");
@@ -115,6 +140,19 @@ TEST_P(CaptureSourceTest, WhatTheDefaultOutputPlaysIsFollowed) {
                                             SoundSource::Kind::OutputMonitor, true}));
   EXPECT_EQ(std::ranges::find(sources, "mic", &SoundSource::name)->kind,
             SoundSource::Kind::Microphone);
+}
+
+TEST_P(CaptureSourceTest, ANewDefaultIsFoundByAConnectionThatHearsNothingOfIt) {
+  firstIsDeaf = true;
+  ear.capture.Open();
+  {
+    const Playing playing(low, "alpha");
+    ASSERT_TRUE(ear.Hears(12));
+  }
+  ASSERT_TRUE(machine.Control("set-default-sink beta"));
+  const Playing playing(high, "beta");
+  ASSERT_TRUE(ear.Hears(40));
+  EXPECT_NE(deaf, nullptr);
 }
 
 TEST_P(CaptureSourceTest, AServerThatDiesIsWaitedFor) {

@@ -37,6 +37,9 @@ bool TestSoundServer::Start() {
     Run({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
          "module-native-protocol-unix", "-L", "module-null-source source_name=mic"});
   } else {
+    // pipewire-pulse gives up when a client makes this folder at the same time.
+    fs::create_directory(folder_ + "/pulse");
+    fs::permissions(folder_ + "/pulse", fs::perms::owner_all);
     Run({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + folder_ + "/bus"});
     if (!Eventually([&] { return fs::exists(folder_ + "/bus"); })) return false;
     Run({"pipewire"});

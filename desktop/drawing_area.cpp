@@ -74,9 +74,10 @@ void FillX11(HalvenorPort& port, WId window) {
   port.kind = kHalvenorPortX11Window;
   port.x11DisplayName = DisplayString(x11->display());
   port.x11Window = window;
-  // What a growing window shows until the next frame.
+  // What it shows until the first frame, and where it grows until the next.
   XSetWindowBackground(x11->display(), window,
                        BlackPixel(x11->display(), DefaultScreen(x11->display())));
+  XClearWindow(x11->display(), window);
 }
 
 void FillWayland(HalvenorPort& port, QWindow& window) {

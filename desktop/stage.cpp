@@ -27,6 +27,9 @@ Stage::Stage(QWidget& picture, QWidget& bar) : picture_(picture), bar_(bar) {
   layout->addWidget(&picture_, 1);
   layout->addWidget(&bar_);
   bar_.setAutoFillBackground(true);
+  QSizePolicy place = picture_.sizePolicy();
+  place.setRetainSizeWhenHidden(true); // until the picture comes the bar is where it will be
+  picture_.setSizePolicy(place);
   picture_.hide();
 }
 
@@ -96,7 +99,7 @@ void Stage::Arrange() {
     const QSize wanted = overlay.widget->sizeHint();
     QRect place(QPoint(), wanted.boundedTo(size()));
     if (overlay.place == Place::Middle) {
-      place.moveCenter(rect().center());
+      place.moveCenter(QRect(0, 0, width(), qMax(bottom, place.height())).center());
     } else if (overlay.isWanted) {
       place = QRect(0, bottom - wanted.height(), width(), wanted.height());
       bottom = place.top();

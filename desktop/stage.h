@@ -16,7 +16,7 @@ class Stage final : public QWidget {
 public:
   enum class Place {
     Bottom, ///< the lower edge, above those that were added before
-    Middle,
+    Middle, ///< between the upper edge and those that were added before
   };
 
   /// Takes both; the bar stands beneath the picture.

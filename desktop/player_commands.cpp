@@ -41,8 +41,9 @@ PlayerCommands::PlayerCommands(Player& player, Commands& commands)
 }
 
 void PlayerCommands::Follow() {
+  commands_[Command::PlayPause].setEnabled(player_.CanPlay());
   commands_[Command::Stop].setEnabled(player_.CurrentMode() != Player::Mode::Idle);
-  commands_[Command::Previous].setEnabled(player_.CanGoPrevious());
+  commands_[Command::Previous].setEnabled(player_.CanGoPrevious() || player_.CanSeek());
   commands_[Command::Next].setEnabled(player_.CanGoNext());
   commands_[Command::SeekBack].setEnabled(player_.CanSeek());
   commands_[Command::SeekForward].setEnabled(player_.CanSeek());

@@ -66,7 +66,7 @@ void TransportBar::showEvent(QShowEvent*) {
 }
 
 void TransportBar::Follow() {
-  const bool moves = player_.CurrentMode() != Player::Mode::Idle && !player_.IsPaused();
+  const bool moves = player_.CurrentMode() == Player::Mode::Playing && !player_.IsPaused();
   moves ? play_->SetSign(MediaButton::Sign::Pause, tr("Pause"))
         : play_->SetSign(MediaButton::Sign::Play, tr("Play"));
   player_.IsMuted() ? mute_->SetSign(MediaButton::Sign::Muted, tr("Sound on"))

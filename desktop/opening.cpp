@@ -48,6 +48,7 @@ void Opening::AskPaths(const QString& title, bool folder) {
   dialog->setFileMode(folder ? QFileDialog::Directory : QFileDialog::ExistingFiles);
   dialog->setOption(QFileDialog::ShowDirsOnly, folder);
   if (!folder) {
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
     dialog->setNameFilters(
         {tr("Sound and playlists (*.aac *.aif *.aiff *.flac *.m3u *.m3u8 *.m4a *.mka *.mp3 *.mp4 "
             "*.oga *.ogg *.opus *.pls *.wav *.webm *.wma *.wv *.xspf)"),

@@ -20,8 +20,8 @@ constexpr QSize kFirstSize(1080, 700);
 } // namespace
 
 ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetPlayer& player)
-    : QWidget(nullptr, Qt::Window), live_(live), player_(player),
-      presets_(new PresetPanel(player, live)), messages_(new MessageLine) {
+    : live_(live), player_(player), presets_(new PresetPanel(player, live)),
+      messages_(new MessageLine) {
   setObjectName(QStringLiteral("halvenorConfiguration"));
   setWindowTitle(tr("Settings \u2014 Halvenor"));
   setAttribute(Qt::WA_QuitOnClose, false);
@@ -30,7 +30,8 @@ ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetPlayer& playe
 }
 
 void ConfigurationWindow::MakeContents() {
-  auto* layout = new QVBoxLayout(this);
+  auto* page = new QWidget;
+  auto* layout = new QVBoxLayout(page);
   auto* sides = new QSplitter;
   sides->setChildrenCollapsible(false);
   sides->setFocusPolicy(Qt::NoFocus);
@@ -40,6 +41,7 @@ void ConfigurationWindow::MakeContents() {
   layout->addWidget(sides, 1);
   layout->addWidget(messages_);
   layout->addLayout(MakeButtons());
+  setCentralWidget(page);
   presets_->FocusList();
 }
 
@@ -110,7 +112,7 @@ void ConfigurationWindow::Cancel() {
 }
 
 void ConfigurationWindow::showEvent(QShowEvent* event) {
-  QWidget::showEvent(event);
+  QMainWindow::showEvent(event);
   if (event->spontaneous()) return;
   qApp->installEventFilter(this);
   refused_ = false;
@@ -119,7 +121,7 @@ void ConfigurationWindow::showEvent(QShowEvent* event) {
 }
 
 void ConfigurationWindow::hideEvent(QHideEvent* event) {
-  QWidget::hideEvent(event);
+  QMainWindow::hideEvent(event);
   if (event->spontaneous()) return;
   qApp->removeEventFilter(this);
   live_.Watch(false);
@@ -132,7 +134,7 @@ void ConfigurationWindow::hideEvent(QHideEvent* event) {
 }
 
 void ConfigurationWindow::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
+  QMainWindow::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange) WatchWhileSeen();
 }
 
@@ -155,7 +157,7 @@ bool ConfigurationWindow::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Close && watched->isWidgetType() && watched != this &&
       !watched->parent())
     Save();
-  return QWidget::eventFilter(watched, event);
+  return QMainWindow::eventFilter(watched, event);
 }
 
 } // namespace halvenor

@@ -6,7 +6,7 @@
 #include "config/window/preset_panel.h"
 #include "config/window/preset_player.h"
 
-#include <QtWidgets/QWidget>
+#include <QtWidgets/QMainWindow>
 
 #include <optional>
 
@@ -15,7 +15,8 @@ namespace halvenor {
 /// What is moved here is seen at once. Save stores it; closing does, too, however it is done;
 /// Cancel puts back what was there when the window was opened or last saved. It never keeps the
 /// program alive: when another window is closed, which may end the plug-in, this one stores first.
-class ConfigurationWindow final : public QWidget {
+/// A main window is what screen readers know as a window.
+class ConfigurationWindow final : public QMainWindow {
   Q_OBJECT
 
 public:

@@ -63,7 +63,7 @@ QString Suffix(const SettingField& field) {
 // A number to type, and a slider where the range is one that a hand can cover.
 class NumberControl final : public SettingControl {
 public:
-  explicit NumberControl(const SettingField& field) : SettingControl(field) {
+  explicit NumberControl(const SettingField& field) : SettingControl(field, new QWidget) {
     constexpr double kLargestSliderRange = 360;
     const double range = field.maximum - field.minimum;
     QHBoxLayout* row = MakeRow(Editor());
@@ -163,7 +163,7 @@ const Measure* FindMeasure(const SettingField& field) {
 class MeasureControl final : public SettingControl {
 public:
   MeasureControl(const SettingField& field, const Measure& measure)
-      : SettingControl(field), measure_(measure), spin_(new QDoubleSpinBox),
+      : SettingControl(field, new QWidget), measure_(measure), spin_(new QDoubleSpinBox),
         endless_(new QCheckBox(tr(measure.endlessLabel))) {
     QHBoxLayout* row = MakeRow(Editor());
     spin_->setRange(measure.minimum, measure.maximum);
@@ -207,10 +207,9 @@ private:
 class FlagControl final : public SettingControl {
 public:
   explicit FlagControl(const SettingField& field)
-      : SettingControl(field), box_(new QCheckBox(SettingLabel(field))) {
+      : SettingControl(field, new QCheckBox(SettingLabel(field))),
+        box_(static_cast<QCheckBox*>(Editor())) {
     NameWidget(box_, field);
-    MakeRow(Editor())->addWidget(box_);
-    Editor()->setFocusProxy(box_);
     connect(box_, &QCheckBox::toggled, this, &FlagControl::OnMoved);
   }
   bool HasOwnLabel() const override { return true; }
@@ -228,12 +227,11 @@ private:
 
 class ChoiceControl final : public SettingControl {
 public:
-  explicit ChoiceControl(const SettingField& field) : SettingControl(field), box_(new QComboBox) {
+  explicit ChoiceControl(const SettingField& field)
+      : SettingControl(field, new QComboBox), box_(static_cast<QComboBox*>(Editor())) {
     for (const std::string_view choice : field.choices)
       box_->addItem(Text(choice));
     NameWidget(box_, field);
-    MakeRow(Editor())->addWidget(box_);
-    Editor()->setFocusProxy(box_);
     connect(box_, &QComboBox::currentIndexChanged, this, &ChoiceControl::OnMoved);
   }
 
@@ -256,12 +254,10 @@ private:
 class ColorControl final : public SettingControl {
 public:
   explicit ColorControl(const SettingField& field)
-      : SettingControl(field), button_(new QPushButton) {
+      : SettingControl(field, new QPushButton), button_(static_cast<QPushButton*>(Editor())) {
     NameWidget(button_, field);
     const int height = button_->fontMetrics().height();
     button_->setIconSize({height * 4, height});
-    MakeRow(Editor())->addWidget(button_);
-    Editor()->setFocusProxy(button_);
     connect(button_, &QPushButton::clicked, this, &ColorControl::Choose);
   }
 
@@ -326,7 +322,8 @@ private:
 
 } // namespace
 
-SettingControl::SettingControl(const SettingField& field) : field_(field), editor_(new QWidget) {}
+SettingControl::SettingControl(const SettingField& field, QWidget* editor)
+    : field_(field), editor_(editor) {}
 
 void SettingControl::Show(const Settings& settings) {
   std::string text = ToText(settings, field_);

@@ -20,10 +20,13 @@ class SettingControl : public QObject {
 
 public:
   [[nodiscard]] const SettingField& Field() const { return field_; }
-  /// The widget, or the row of widgets; the one that takes the keyboard first is its focus proxy
-  /// and is named like the field.
+  /// The widget, or the row of widgets.
   [[nodiscard]] QWidget* Editor() const { return editor_; }
-  /// Whether the editor brings its own label: then its focus proxy is a button that has it.
+  /// Of these the one that takes the keyboard first.
+  [[nodiscard]] QWidget* KeyboardTarget() const {
+    return editor_->focusProxy() ? editor_->focusProxy() : editor_;
+  }
+  /// Whether the editor brings its own label: then it is a button that has it.
   [[nodiscard]] virtual bool HasOwnLabel() const { return false; }
 
   /// Shows the value that `settings` has, unless a person is just moving the control.
@@ -38,7 +41,7 @@ signals:
   void Edited();
 
 protected:
-  explicit SettingControl(const SettingField& field);
+  SettingControl(const SettingField& field, QWidget* editor);
 
   virtual void Display(const Settings& settings) = 0;
   virtual void Write(Settings& settings) const = 0;

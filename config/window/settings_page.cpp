@@ -105,10 +105,12 @@ void SettingsPage::AddField(QWidget* group, const SettingField& field) {
   auto* form = static_cast<QFormLayout*>(group->layout());
   if (control->HasOwnLabel()) {
     form->addRow(control->Editor());
-    auto* button = static_cast<QAbstractButton*>(control->Editor()->focusProxy());
+    auto* button = static_cast<QAbstractButton*>(control->Editor());
     button->setText(WithLetter(button->text()));
   } else {
-    form->addRow(WithLetter(SettingLabel(field)), control->Editor());
+    auto* label = new QLabel(WithLetter(SettingLabel(field)));
+    label->setBuddy(control->KeyboardTarget()); // a row takes no focus for its label's letter
+    form->addRow(label, control->Editor());
   }
   connect(control, &SettingControl::Edited, this, [this, control] {
     live_.Edit([control](Settings& settings) { control->Store(settings); });

@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kStagedBegin = ".preset-";
+constexpr std::string_view kStagedBegin = ".halvenor-preset-";
 constexpr std::string_view kStagedEnd = ".new";
 constexpr char kRemoved[] = "removed";
 constexpr std::size_t kFewFiles = 16; // up to here each is synced by itself

@@ -2,6 +2,7 @@
 
 #include "config/file_bytes.h"
 #include "config/key_file.h"
+#include "config/locked_folder.h"
 #include "config/look.h"
 #include "config/preset_names.h"
 
@@ -116,14 +117,16 @@ bool WritePresetFile(const fs::path& file, std::span<const NamedLook> presets,
   // A link keeps pointing where it points: what it points at is replaced.
   const fs::path target = fs::exists(kind) ? fs::canonical(file, failed) : file;
 
-  const std::string text = PrintPresets(presets);
-  GError* raw = nullptr;
-  constexpr auto kWholeOrNothing = static_cast<GFileSetContentsFlags>(
-      G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE);
-  if (g_file_set_contents_full(target.c_str(), text.data(), static_cast<gssize>(text.size()),
-                               kWholeOrNothing, 0666, &raw))
-    return true;
-  return fail(GlibError(raw)->message);
+  const fs::path folderPath = target.has_parent_path() ? target.parent_path() : ".";
+  if (!fs::is_directory(folderPath, failed)) return fail(ErrorText(ENOENT));
+  const auto folder = LockedFolder::Open(folderPath, problem);
+  if (!folder) return false;
+  std::size_t staged = 0;
+  int error = folder->Stage(PrintPresets(presets), staged);
+  if (error == 0) error = folder->NameOver(staged, target.filename().string());
+  if (error != 0) return fail(ErrorText(error));
+  folder->Sync();
+  return true;
 }
 
 } // namespace halvenor

@@ -8,7 +8,8 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstring>
+#include <functional>
+#include <set>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -228,9 +229,35 @@ TEST(PresetHardship, KilledAtAnyMomentNothingIsLost) {
     if (!library.Find("gone")) // killed between removing and taking that back
       fs::copy(folder / "own/removed/gone.preset", folder / "own/gone.preset");
   }
-  ASSERT_EQ(library.Add("Last", DefaultSettings()), kDone);
-  for (const auto& entry : fs::directory_iterator(folder / "own"))
-    EXPECT_THAT(entry.path().filename().string(), testing::Not(testing::EndsWith(".new")));
+}
+
+// The next one that writes there takes away what it had not finished.
+TEST(PresetHardship, KilledWhileWritingNothingIsLeftBehind) {
+  const ScratchFolder folder;
+  WriteText(folder / "own/mine.preset", PresetText("Mine"));
+  PresetLibrary library({folder / "own", {}});
+  library.Load();
+  const std::string ids[] = {"mine"};
+  const std::function<PresetLibrary::Problem()> writes[] = {
+      [&] { return library.Add("Last", DefaultSettings()); },
+      [&] { return library.Export(folder / "export", ids); }};
+  for (const auto& write : writes) {
+    const pid_t child = fork();
+    if (child == 0) {
+      const SmallDisk disk(20);
+      signal(SIGXFSZ, SIG_DFL);
+      write();
+      _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_EQ(write(), kDone);
+  }
+  std::set<std::string> names;
+  for (const auto& entry : fs::recursive_directory_iterator(folder / ""))
+    names.insert(entry.path().filename());
+  EXPECT_THAT(names, testing::ElementsAre("export", "last.preset", "mine.preset", "own"));
 }
 
 TEST(PresetHardship, TwoProgramsAtOnceKeepEverything) {

@@ -25,8 +25,8 @@ public:
   PresetPanel(PresetPlayer& player, LiveSettings& live);
 
   void FocusList() { list_->setFocus(); }
-  /// Nobody sees it: no pictures are made.
-  void StopPictures() { pictures_.Stop(); }
+  /// Nobody sees it.
+  void StopPictures() { pictures_.Stop(player_.Library().Presets()); }
 
 private:
   struct ActionRow;

@@ -3,6 +3,7 @@
 #include "config/window/module_paths.h"
 
 #include <QtCore/QCryptographicHash>
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
@@ -15,7 +16,8 @@ namespace {
 
 constexpr int kKeptPictures = 400;
 constexpr int kMostWishes = 60;
-constexpr int kPriority = 10; // drawing by software would starve the lowest
+constexpr qint64 kKeptUnused = 3600; // seconds
+constexpr int kPriority = 10;        // drawing by software would starve the lowest
 // Another one whenever pictures of the same look would come out differently.
 constexpr char kRecipe[] = "2";
 
@@ -104,8 +106,17 @@ QPixmap PresetPictures::Read(const QString& file) {
   return picture;
 }
 
-void PresetPictures::Stop() {
+void PresetPictures::Stop(std::span<const Preset> presets) {
   wishes_.clear();
+  QSet<QString> used;
+  for (const Preset& preset : presets)
+    if (preset.picture.empty()) used.insert(FileName(preset.look));
+  // Hidden ones were being rendered, and may still be.
+  const QDateTime longAgo = QDateTime::currentDateTime().addSecs(-kKeptUnused);
+  for (const QFileInfo& file : QDir(folder_).entryInfoList(
+           {QStringLiteral("*.png"), QStringLiteral(".*.png.*")}, QDir::Files | QDir::Hidden))
+    if (!used.contains(file.fileName()) && file.lastModified() < longAgo)
+      QFile::remove(file.filePath());
 }
 
 void PresetPictures::RenderNext() {

@@ -11,6 +11,7 @@
 #include <QtGui/QPixmap>
 
 #include <functional>
+#include <span>
 #include <vector>
 
 namespace halvenor {
@@ -31,8 +32,9 @@ public:
 
   /// The picture of `preset`, or a null one: then `Ready` tells when it is there.
   QPixmap Find(const Preset& preset);
-  /// Nobody looks any more: nothing else is rendered.
-  void Stop();
+  /// Nobody looks any more: nothing else is rendered, and what belongs to none of `presets` leaves
+  /// the cache folder.
+  void Stop(std::span<const Preset> presets);
 
 signals:
   void Ready(const std::string& id);

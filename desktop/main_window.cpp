@@ -19,6 +19,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QScreen>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 
@@ -191,8 +192,16 @@ void MainWindow::ConnectCommands() {
   parts.sources.Serve(commands.Menu(MenuName::Sound));
   parts.sources.Serve(parts.chooser);
   for (const MenuName menu :
-       {MenuName::File, MenuName::Playback, MenuName::Sound, MenuName::View, MenuName::Help})
+       {MenuName::File, MenuName::Playback, MenuName::Sound, MenuName::View, MenuName::Help}) {
     parts.everything.addMenu(&commands.Menu(menu));
+    connect(&commands.Menu(menu), &QMenu::aboutToHide, this, &MainWindow::TakeKeyboardBack,
+            Qt::QueuedConnection); // another menu may follow at once
+  }
+}
+
+// A menu that is left with Escape leaves the keyboard to the menu bar, where letters open menus.
+void MainWindow::TakeKeyboardBack() {
+  if (!QApplication::activePopupWidget() && menuBar()->hasFocus()) parts_->stage.setFocus();
 }
 
 void MainWindow::setVisible(bool visible) {

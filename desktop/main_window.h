@@ -55,6 +55,7 @@ private:
   void ShowMenu(QPoint globalPosition);
   void ChooseSource();
   void ShowKeysOnce();
+  void TakeKeyboardBack();
   void ShowTitle();
   void ReportNoPicture();
   /// Tells of a failure in the window and on standard error.

@@ -106,6 +106,7 @@ TEST_P(WindowTest, TellsThePlugInWhatHappens) {
 
   // By way of the menu, which gives the keyboard back afterwards.
   EXPECT_TRUE(desk->PressUntil("alt+v c", [&] { return program->HasStart("[cnfg]"); }));
+  EXPECT_TRUE(desk->PressUntil("alt+v Escape x", [&] { return program->Has("[vevt] 120"); }));
 
   // Full screen by the window's keys, which the plug-in had before and did not use, and out of it
   // by the window's and by the plug-in's. It does not hear of sizes on the way.
@@ -333,6 +334,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     EXPECT_TRUE(Eventually([&] {
       return LitPixels(desk->Picture().copy(300, 150, 700, 555)) > 200;
     })) << line;
+    EXPECT_EQ(LitPixels(desk->Picture().copy(300, 150, 700, 300)), 0) << line; // the picture
     desk->CloseWindow();
     EXPECT_EQ(program.ExitStatus(), EXIT_FAILURE) << line;
     EXPECT_EQ(program.Count("halvenor: "), 1) << line;

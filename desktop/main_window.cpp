@@ -293,6 +293,7 @@ void MainWindow::ShowTitle() {
 }
 
 void MainWindow::ReportNoPicture() {
+  hasNoPicture_ = true;
   const std::string cause = whyNoPicture_();
   Report(cause.empty() ? tr("the picture cannot be shown")
                        : tr("the picture cannot be shown: %1").arg(QString::fromStdString(cause)),
@@ -300,7 +301,6 @@ void MainWindow::ReportNoPicture() {
 }
 
 void MainWindow::Report(const QString& line, bool stays) {
-  failed_ = true;
   PrintError(line);
   parts_->notice.Tell(line, stays);
 }

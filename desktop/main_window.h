@@ -31,8 +31,8 @@ public:
 
   void SetFullScreen(bool fullScreen);
 
-  /// Whether something went wrong that a person was told of.
-  [[nodiscard]] bool HasFailed() const { return failed_; }
+  /// Whether what it is there for, the picture, could not be shown.
+  [[nodiscard]] bool HasFailed() const { return hasNoPicture_; }
 
   /// The keys, one line each, for people.
   static QString KeyHelp();
@@ -58,7 +58,7 @@ private:
   void TakeKeyboardBack();
   void ShowTitle();
   void ReportNoPicture();
-  /// Tells of a failure in the window and on standard error.
+  /// Tells of what went wrong in the window and on standard error.
   void Report(const QString& line, bool stays = false);
 
   // In this order: the picture ends before its window does, and its window's parts before it.
@@ -67,7 +67,7 @@ private:
   QSettings& settings_;
   const std::function<std::string()> whyNoPicture_;
   std::unique_ptr<Parts> parts_;
-  bool failed_ = false;
+  bool hasNoPicture_ = false;
 };
 
 } // namespace halvenor

@@ -324,11 +324,13 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     QString medium;
     QProcessEnvironment environment;
     std::string line;
+    int status; // a file more or less is no failure, but there is nothing without a picture
   } cases[] = {
-      {text, desk->Environment(), "halvenor: " + text.toStdString()},
-      {Write("silence.wav", Silence(1)), noPicture, "halvenor: the picture cannot be shown"},
+      {text, desk->Environment(), "halvenor: " + text.toStdString(), EXIT_SUCCESS},
+      {Write("silence.wav", Silence(1)), noPicture, "halvenor: the picture cannot be shown",
+       EXIT_FAILURE},
   };
-  for (const auto& [medium, environment, line] : cases) {
+  for (const auto& [medium, environment, line, status] : cases) {
     Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, medium}, environment);
     ASSERT_TRUE(Eventually([&, line = line] { return program.HasStart(line); })) << line;
     EXPECT_TRUE(Eventually([&] {
@@ -336,7 +338,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     })) << line;
     EXPECT_EQ(LitPixels(desk->Picture().copy(300, 150, 700, 300)), 0) << line; // the picture
     desk->CloseWindow();
-    EXPECT_EQ(program.ExitStatus(), EXIT_FAILURE) << line;
+    EXPECT_EQ(program.ExitStatus(), status) << line;
     EXPECT_EQ(program.Count("halvenor: "), 1) << line;
   }
 }

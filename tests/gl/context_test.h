@@ -1,11 +1,11 @@
 // A fixture with a context of the stand-in current, and the log collected.
 #pragma once
 
-#include "platform/agl.h"
+#include "tests/platform/gl_fixture.h"
 #include "tests/stand_ins/stand_in_test.h"
 
-#include <filesystem>
 #include <fstream>
+#include <optional>
 #include <unistd.h>
 
 namespace halvenor {
@@ -14,18 +14,14 @@ class ContextTest : public stand_ins::StandInTest {
 protected:
   void SetUp() override {
     StandInTest::SetUp();
-    const GLint attributes[] = {AGL_RGBA, AGL_NONE};
-    format_ = aglChoosePixelFormat(nullptr, 0, attributes);
-    context_ = aglCreateContext(format_, nullptr);
-    aglSetDrawable(context_, &port_);
+    made_.emplace(&port_);
+    context_ = made_->context;
     aglSetCurrentContext(context_);
     stand_ins::ClearCalls();
   }
   void TearDown() override {
     EXPECT_EQ(LiveObjects(), 0);
-    aglSetCurrentContext(nullptr);
-    aglDestroyContext(context_);
-    aglDestroyPixelFormat(format_);
+    made_.reset();
     StandInTest::TearDown();
   }
   static std::int64_t LiveObjects() {
@@ -34,7 +30,7 @@ protected:
 
   stand_ins::LogLines log_;
   HalvenorPort port_ = stand_ins::OffscreenPort(8, 8);
-  AGLPixelFormat format_ = nullptr;
+  std::optional<TestContext> made_;
   AGLContext context_ = nullptr;
 };
 

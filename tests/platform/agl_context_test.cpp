@@ -119,13 +119,34 @@ TEST_F(ContextTest, AContextOfAnotherThreadIsOutOfReach) {
   std::thread([&] { context.Destroy(); }).join();
 }
 
-TEST_F(ContextTest, AContextKeepsToItsWindowSystem) {
+TEST_F(ContextTest, MisfitsAreRefusedWithTheirError) {
   ASSERT_TRUE(aglSetCurrentContext(context.context));
+  const GLint unknown[] = {AGL_RGBA, 4711, AGL_NONE};
+  const GLint rgba[] = {AGL_RGBA, AGL_NONE};
+  const AGLPixelFormat format = aglChoosePixelFormat(nullptr, 0, rgba);
+  const AGLContext agl = context.context;
+  const GLint values[4] = {0, 0, 10, 10};
+  const GLint negative[4] = {0, 0, 10, -1};
   HalvenorPort window{};
   window.kind = kHalvenorPortX11Window;
-  window.x11Window = 1;
-  EXPECT_FALSE(aglSetDrawable(context.context, &window));
-  EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_DRAWABLE});
+  HalvenorPort otherSystem = window;
+  otherSystem.x11Window = 1;
+  // Braces: from left to right, and each call before its error is read.
+  ExpectRefusals({
+      {"attribute", aglChoosePixelFormat(nullptr, 0, unknown) == nullptr, aglGetError(),
+       AGL_BAD_ATTRIBUTE},
+      {"share", aglCreateContext(format, agl) == nullptr, aglGetError(), AGL_BAD_CONTEXT},
+      {"set null", !aglSetInteger(nullptr, AGL_BUFFER_RECT, values), aglGetError(),
+       AGL_BAD_CONTEXT},
+      {"set unknown", !aglSetInteger(agl, 4711, values), aglGetError(), AGL_BAD_ENUM},
+      {"enable unknown", !aglEnable(agl, 4711), aglGetError(), AGL_BAD_ENUM},
+      {"set nothing", !aglSetInteger(agl, AGL_BUFFER_RECT, nullptr), aglGetError(), AGL_BAD_VALUE},
+      {"set a negative size", !aglSetInteger(agl, AGL_BUFFER_RECT, negative), aglGetError(),
+       AGL_BAD_VALUE},
+      {"no window", !aglSetDrawable(agl, &window), aglGetError(), AGL_BAD_DRAWABLE},
+      {"another system", !aglSetDrawable(agl, &otherSystem), aglGetError(), AGL_BAD_DRAWABLE},
+  });
+  aglDestroyPixelFormat(format);
 }
 
 TEST_F(ContextTest, OpeningAndClosingLeavesNothing) {

@@ -118,6 +118,28 @@ TEST_F(FontTest, CharactersAreMacOsRoman) {
   }
 }
 
+TEST_F(FontTest, MisfitsAreRefusedWithTheirError) {
+  const auto base = static_cast<GLint>(lists);
+  for (const GLint size : {1, 512}) {
+    EXPECT_TRUE(aglUseFont(context.context, family, 0, size, 'A', 2, base)) << size;
+  }
+  struct {
+    GLint family, style, size, first, count, base;
+    GLenum error;
+  } const refused[] = {
+      {family, 0, 0, 0, 256, base, AGL_BAD_FONT},     {family, 0, 513, 0, 256, base, AGL_BAD_FONT},
+      {family, 1, 9, 0, 256, base, AGL_BAD_FONT},     {0, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {-1, 0, 9, 0, 256, base, AGL_BAD_FONT},         {32767, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 9, -1, 2, base, AGL_BAD_VALUE},     {family, 0, 9, 255, 2, base, AGL_BAD_VALUE},
+      {family, 0, 9, 0, -1, base, AGL_BAD_VALUE},     {family, 0, 9, 0, 256, 0, AGL_BAD_VALUE},
+      {family, 0, 1 << 30, 0, 9, base, AGL_BAD_FONT},
+  };
+  for (const auto& c : refused) {
+    EXPECT_FALSE(aglUseFont(context.context, c.family, c.style, c.size, c.first, c.count, c.base));
+    EXPECT_EQ(aglGetError(), c.error) << c.size << ' ' << c.first << ' ' << c.count;
+  }
+}
+
 TEST_F(FontTest, FamiliesHaveLastingNumbers) {
   std::int16_t again = 0;
   GetFNum(reinterpret_cast<const unsigned char*>("\011Helvetica and more"), &again);

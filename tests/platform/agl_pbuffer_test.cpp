@@ -123,15 +123,52 @@ TEST_F(PBufferTest, TwoBuffersHandAPictureOn) {
   }
 }
 
-TEST_F(PBufferTest, FailuresAndReleasesLeaveNothing) {
+TEST_F(PBufferTest, MisfitsAreRefusedWithTheirError) {
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
   const int objects = Objects();
   AGLPbuffer pbuffer = nullptr;
-  for (const auto& [width, height] : {std::pair{limit + 1, 1}, {1, limit + 1}}) {
-    EXPECT_FALSE(aglCreatePBuffer(width, height, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));
-    EXPECT_EQ(aglGetError(), GLenum{AGL_NO_BUFFER});
+  struct {
+    GLint width, height;
+    GLenum target, format;
+    GLint level;
+    GLenum error;
+  } const creations[] = {
+      {8, 8, GL_TEXTURE_1D, GL_RGBA, 0, AGL_BAD_ENUM},
+      {8, 8, GL_TEXTURE_2D, GL_RGB, 0, AGL_BAD_ENUM},
+      {0, 8, GL_TEXTURE_2D, GL_RGBA, 0, AGL_BAD_VALUE},
+      {8, -1, GL_TEXTURE_2D, GL_RGBA, 0, AGL_BAD_VALUE},
+      {8, 8, GL_TEXTURE_2D, GL_RGBA, 1, AGL_BAD_VALUE},
+      {limit + 1, 1, GL_TEXTURE_2D, GL_RGBA, 0, AGL_NO_BUFFER},
+      {1, limit + 1, GL_TEXTURE_2D, GL_RGBA, 0, AGL_NO_BUFFER},
+  };
+  for (const auto& c : creations) {
+    pbuffer = reinterpret_cast<AGLPbuffer>(this); // anything but null
+    EXPECT_FALSE(aglCreatePBuffer(c.width, c.height, c.target, c.format, c.level, &pbuffer));
+    EXPECT_EQ(pbuffer, nullptr);
+    EXPECT_EQ(aglGetError(), c.error) << c.width << ' ' << c.height << ' ' << c.level;
   }
+  EXPECT_EQ(Objects(), objects);
+
+  const AGLContext agl = context.context;
+  ASSERT_TRUE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));
+  ExpectRefusals({
+      {"nowhere", !aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, nullptr), aglGetError(),
+       AGL_BAD_VALUE},
+      {"no texture", !aglTexImagePBuffer(agl, pbuffer, GL_FRONT), aglGetError(), AGL_BAD_VALUE},
+      {"back", !aglTexImagePBuffer(agl, pbuffer, GL_BACK), aglGetError(), AGL_BAD_ENUM},
+      {"face", !aglSetPBuffer(agl, pbuffer, 1, 0, 0), aglGetError(), AGL_BAD_VALUE},
+      {"level", !aglSetPBuffer(agl, pbuffer, 0, 1, 0), aglGetError(), AGL_BAD_VALUE},
+  });
+  EXPECT_TRUE(aglSetPBuffer(agl, pbuffer, 0, 0, 0)) << "shown in no texture";
+  aglSwapBuffers(agl);
+  EXPECT_EQ(port.frames, 0);
+  EXPECT_TRUE(aglDestroyPBuffer(pbuffer));
+}
+
+TEST_F(PBufferTest, ReleasesLeaveNothing) {
+  const int objects = Objects();
+  AGLPbuffer pbuffer = nullptr;
   {
     ShownPBuffer shown(context.context);
     ASSERT_TRUE(aglCreatePBuffer(8, 8, GL_TEXTURE_2D, GL_RGBA, 0, &pbuffer));

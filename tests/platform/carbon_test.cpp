@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <future>
+#include <random>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -20,6 +21,12 @@
 
 namespace halvenor {
 namespace {
+
+using testing::Pointwise;
+
+MATCHER_P(DistanceUpTo, most, "") {
+  return std::abs(std::get<0>(arg) - std::get<1>(arg)) <= most;
+}
 
 TEST(Carbon, IntervalsAreNegatedMicrosecondsWhileTheyFit) {
   constexpr std::uint64_t kStart = 1'000'000'000;
@@ -45,14 +52,13 @@ TEST(Carbon, IntervalsAreNegatedMicrosecondsWhileTheyFit) {
 }
 
 TEST(Carbon, BlocksAreZeroAndAbsurdSizesAreRefused) {
-  void* used = NewPtrClear(100'000);
-  ASSERT_NE(used, nullptr);
-  std::memset(used, 0xff, 100'000);
-  DisposePtr(used);
-  auto* block = static_cast<unsigned char*>(NewPtrClear(100'000));
-  ASSERT_NE(block, nullptr);
-  EXPECT_TRUE(std::all_of(block, block + 100'000, [](unsigned char byte) { return byte == 0; }));
-  DisposePtr(block);
+  for (int times = 0; times < 2; ++times) { // the second may get the memory of the first
+    auto* block = static_cast<unsigned char*>(NewPtrClear(100'000));
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(std::count(block, block + 100'000, 0), 100'000);
+    std::memset(block, 0xff, 100'000);
+    DisposePtr(block);
+  }
   DisposePtr(nullptr);
   void* empty = NewPtrClear(0);
   EXPECT_NE(empty, nullptr);
@@ -79,6 +85,10 @@ std::vector<int> Values(HSLColor c) {
   return {c.hue, c.saturation, c.lightness};
 }
 
+auto IsNear(RGBColor c) {
+  return Pointwise(DistanceUpTo(4), Values(c));
+}
+
 TEST(Carbon, ColoursOfTheHueCircle) {
   struct {
     RGBColor rgb;
@@ -100,55 +110,30 @@ TEST(Carbon, ColoursOfTheHueCircle) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Values(ToHsl(c.rgb)), Values(c.hsl)) << testing::PrintToString(Values(c.rgb));
-    const RGBColor back = ToRgb(c.hsl);
-    EXPECT_NEAR(back.red, c.rgb.red, 4);
-    EXPECT_NEAR(back.green, c.rgb.green, 4);
-    EXPECT_NEAR(back.blue, c.rgb.blue, 4);
+    EXPECT_THAT(Values(ToRgb(c.hsl)), IsNear(c.rgb));
   }
 }
 
 TEST(Carbon, ARoundTripStaysNearAndRepeatingItDoesNotDrift) {
-  std::uint32_t state = 1;
-  const auto random = [&state](int range) {
-    state = state * 1664525U + 1013904223U;
-    return static_cast<int>((state >> 8) % static_cast<std::uint32_t>(range));
-  };
-  for (int i = 0; i < 50'000; ++i) {
+  std::minstd_rand random;
+  for (int i = 0; i < 20'000; ++i) {
     // All colours, and those next to grey, black and white, where rounding is hardest.
-    const int spread = 1 << (1 + i % 16);
-    const int base = random(65536 - std::min(spread, 65535));
+    const unsigned spread = 1U << (1 + i % 16);
+    const auto base = static_cast<unsigned>(random() % (65536 - std::min(spread, 65535U)));
     const auto component = [&] {
-      return static_cast<std::uint16_t>(std::min(base + random(spread), 65535));
+      return static_cast<std::uint16_t>(std::min<unsigned long>(base + random() % spread, 65535));
     };
     const RGBColor colour = {component(), component(), component()};
     const RGBColor once = ToRgb(ToHsl(colour));
-    const RGBColor twice = ToRgb(ToHsl(once));
-    ASSERT_EQ(Values(twice), Values(once)) << testing::PrintToString(Values(colour));
-    ASSERT_NEAR(once.red, colour.red, 4) << testing::PrintToString(Values(colour));
-    ASSERT_NEAR(once.green, colour.green, 4) << testing::PrintToString(Values(colour));
-    ASSERT_NEAR(once.blue, colour.blue, 4) << testing::PrintToString(Values(colour));
+    ASSERT_EQ(Values(ToRgb(ToHsl(once))), Values(once)) << testing::PrintToString(Values(colour));
+    ASSERT_THAT(Values(once), IsNear(colour));
   }
 }
 
 TEST(Ports, ANullPortIsEmpty) {
-  HalvenorPort port{};
-  port.bounds = {1, 2, 300, 400};
-  Rect bounds{};
-  EXPECT_EQ(GetPortBounds(&port, &bounds), &bounds);
-  EXPECT_EQ(bounds.top, 1);
-  EXPECT_EQ(bounds.right, 400);
+  Rect bounds = {1, 2, 3, 4};
   GetPortBounds(nullptr, &bounds);
-  EXPECT_EQ(bounds.bottom, 0);
-  EXPECT_EQ(bounds.right, 0);
-}
-
-TEST(Ports, TheFrontWindowIsWhatTheHostSays) {
-  int window = 0;
-  EXPECT_EQ(FrontWindow(), nullptr);
-  SetFrontWindow(&window);
-  EXPECT_EQ(FrontWindow(), &window);
-  SetFrontWindow(nullptr);
-  EXPECT_EQ(FrontWindow(), nullptr);
+  EXPECT_EQ(bounds.bottom + bounds.right, 0);
 }
 
 TEST(Ports, AnAlertIsTheHostsElseTheBellOfATerminal) {

@@ -1,4 +1,4 @@
-// What the suites over real EGL share: a context with the plug-in's format on a port, and a
+// What the suites of context layers share: a context with the plug-in's format on a port, and a
 // fixture that fails on whatever error a case leaves pending.
 #pragma once
 
@@ -44,19 +44,33 @@ protected:
   std::vector<std::string> log;
 };
 
+inline std::string ErrorText(GLenum code) {
+  return reinterpret_cast<const char*>(aglErrorString(code));
+}
+
+struct Refusal {
+  const char* what;
+  bool refused;
+  GLenum error, expected;
+};
+inline void ExpectRefusals(const std::vector<Refusal>& refusals) {
+  for (const Refusal& one : refusals) {
+    EXPECT_TRUE(one.refused) << one.what;
+    EXPECT_EQ(one.error, one.expected) << one.what << ": " << ErrorText(one.error);
+  }
+}
+
 /// A context with the format that the plug-in asks for, destroyed at the end of its scope.
 class TestContext {
 public:
-  explicit TestContext(GrafPtr port = nullptr) {
+  explicit TestContext(GrafPtr port) {
     const GLint attributes[] = {
         AGL_RGBA, AGL_DOUBLEBUFFER,   AGL_RED_SIZE,    8,       AGL_ALPHA_SIZE, 8, AGL_DEPTH_SIZE,
         24,       AGL_CLOSEST_POLICY, AGL_NO_RECOVERY, AGL_NONE};
     const AGLPixelFormat format = aglChoosePixelFormat(nullptr, 0, attributes);
     context = aglCreateContext(format, nullptr);
     aglDestroyPixelFormat(format);
-    if (port != nullptr) {
-      EXPECT_TRUE(aglSetDrawable(context, port));
-    }
+    EXPECT_TRUE(aglSetDrawable(context, port));
   }
   ~TestContext() { Destroy(); }
   TestContext(const TestContext&) = delete;

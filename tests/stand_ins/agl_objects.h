@@ -1,10 +1,9 @@
-// What the parts of the context layer's stand-in share; suites use agl_stand_in.h.
+// The objects of the context layer's stand-in, and how its calls are recorded.
 #pragma once
 
 #include "platform/agl.h"
 #include "tests/stand_ins/recording.h"
 
-#include <array>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -25,16 +24,13 @@ struct HalvenorPixelFormat : halvenor::stand_ins::Numbered {};
 struct HalvenorContext : halvenor::stand_ins::Numbered {
   halvenor::stand_ins::Relaxed<int> current_on{0}; // number of a thread, 0: none
   halvenor::stand_ins::Relaxed<int> live_pbuffers{0};
-  GrafPtr port = nullptr;
+  GrafPtr port = nullptr; // null: nothing, or a pbuffer
   GrafPtr last_port = nullptr;
-  AGLPbuffer pbuffer = nullptr;  // only while `port` is null
-  bool target_destroyed = false; // what drawing was directed to, and nothing since
   Rect port_bounds{};
   std::vector<std::uint8_t> frame;
 };
 struct HalvenorPBuffer : halvenor::stand_ins::Numbered {
   AGLContext context = nullptr;
-  GLuint texture = 0;
 };
 
 namespace halvenor::stand_ins {
@@ -51,11 +47,9 @@ public:
     live_.Add(1);
     return made;
   }
-  /// Whether it was there until now.
-  bool End(Object* object) {
-    const bool first = !object->destroyed.Exchange(true);
-    if (first) live_.Add(-1);
-    return first;
+  void End(Object* object) {
+    object->destroyed = true;
+    live_.Add(-1);
   }
   [[nodiscard]] std::int64_t Live() const { return live_; }
   void Reset() {
@@ -70,27 +64,7 @@ private:
   Relaxed<std::int64_t> live_{0};
 };
 
-// Never destroyed: threads may still draw while the program ends.
-inline Objects<HalvenorPixelFormat>& formats = *new Objects<HalvenorPixelFormat>;
-inline Objects<HalvenorContext>& contexts = *new Objects<HalvenorContext>;
-inline Objects<HalvenorPBuffer>& pbuffers = *new Objects<HalvenorPBuffer>;
-
-[[nodiscard]] AGLContext CurrentContext();
-
-/// Makes `context` (null: none) current on this thread; a misuse when another thread has it.
-void Switch(Function function, AGLContext context);
-
-void LeaveError(GLenum error);
-/// Leaves the error and is false.
-GLboolean Refuse(GLenum error);
-
-/// "aglFoo: context 1 is ..."
-void ReportMisuseOf(Function function, const std::string& object, const char* what);
-
-/// Whether nothing keeps `context` from being used, but for a fault, which leaves its error.
-[[nodiscard]] bool MayGoOn(Function function, AGLContext context, unsigned fault);
-
-/// How an argument is shown.
+/// How an argument is shown. Ports are numbered in the order of appearance.
 template <class Object>
 std::pair<std::string, double> Shown(const char* what, const Object* object) {
   if (object == nullptr) return {"null", 0.0};
@@ -111,7 +85,6 @@ inline auto Show(GLint number) {
 inline auto Show(GLenum value) {
   return std::pair<std::string, double>(EnumerantText(value), value);
 }
-/// Ports are numbered in the order of appearance.
 std::pair<std::string, double> Show(GrafPtr port);
 
 /// Enters the function and records the call.
@@ -127,12 +100,6 @@ template <class... Values>
     Record(function, std::move(shown));
   }
   return fault;
-}
-
-/// The same for a function of `context`, and whether it may go on.
-template <class... Values>
-[[nodiscard]] bool BeginWith(Function function, AGLContext context, Values... values) {
-  return MayGoOn(function, context, Begin(function, context, values...));
 }
 
 } // namespace halvenor::stand_ins

@@ -7,11 +7,19 @@
 namespace halvenor::stand_ins {
 namespace {
 
+// Never destroyed: threads may still draw while the program ends.
+auto& formats = *new Objects<HalvenorPixelFormat>;
+auto& contexts = *new Objects<HalvenorContext>;
+auto& pbuffers = *new Objects<HalvenorPBuffer>;
+
 std::mutex ports_mutex;
 std::vector<GrafPtr> ports;
 
 Relaxed<int> last_thread{0};
 Relaxed<int> epoch{0}; // what threads remember from before a Reset does not count
+
+constexpr char kElsewhere[] = "is current on another thread";
+constexpr char kDestroyed[] = "was destroyed before";
 
 struct ThreadState {
   int number = last_thread.Add(1) + 1;
@@ -38,97 +46,54 @@ ThreadState& ThisThread() {
   return state;
 }
 
-constexpr char kElsewhere[] = "is current on another thread";
+template <class Object>
+void ReportMisuseOf(Function function, Object* object, const char* what) {
+  ReportMisuse(std::string(NameOf(function)) + ": " + Show(object).first + " " + what);
+}
+
+GLboolean Refuse(GLenum error) {
+  GLenum& pending = ThisThread().error;
+  if (pending == AGL_NO_ERROR) pending = error;
+  return GL_FALSE;
+}
 
 bool IsUsable(Function function, AGLContext context) {
   if (context == nullptr) return false;
   const int thread = context->current_on;
-  const char* fault = nullptr;
-  if (thread != 0 && thread != ThisThread().number) fault = kElsewhere;
-  if (context->destroyed) fault = "was destroyed before";
-  if (fault != nullptr) ReportMisuseOf(function, Show(context).first, fault);
-  return fault == nullptr;
+  const bool isElsewhere = thread != 0 && thread != ThisThread().number;
+  if (!context->destroyed && !isElsewhere) return true;
+  ReportMisuseOf(function, context, context->destroyed ? kDestroyed : kElsewhere);
+  return false;
 }
 
-} // namespace
-
-AGLContext CurrentContext() {
-  return ThisThread().current;
-}
-
-void LeaveError(GLenum error) {
-  GLenum& pending = ThisThread().error;
-  if (pending == AGL_NO_ERROR) pending = error;
-}
-
-GLboolean Refuse(GLenum error) {
-  LeaveError(error);
-  return GL_FALSE;
-}
-
-void ReportMisuseOf(Function function, const std::string& object, const char* what) {
-  ReportMisuse(std::string(NameOf(function)) + ": " + object + " " + what);
-}
-
+/// Whether nothing keeps `context` from being used, but for a fault, which leaves its error.
 bool MayGoOn(Function function, AGLContext context, unsigned fault) {
   if (!IsUsable(function, context) && fault == 0) fault = AGL_BAD_CONTEXT;
   return fault == 0 || Refuse(fault) == GL_TRUE;
 }
 
-std::pair<std::string, double> Show(GrafPtr port) {
-  if (port == nullptr) return {"null", 0.0};
-  const std::lock_guard lock(ports_mutex);
-  const auto found = std::find(ports.begin(), ports.end(), port);
-  const auto number = found - ports.begin() + 1;
-  if (found == ports.end()) ports.push_back(port);
-  return {"port " + std::to_string(number), static_cast<double>(number)};
+/// Begins a function of `context`; whether it may go on.
+template <class... Values>
+bool BeginWith(Function function, AGLContext context, Values... values) {
+  return MayGoOn(function, context, Begin(function, context, values...));
 }
 
+/// What keeps `pbuffer` from being used on `context`.
+GLenum FaultOf(Function function, AGLContext context, AGLPbuffer pbuffer) {
+  if (context == nullptr) return AGL_BAD_CONTEXT;
+  if (pbuffer == nullptr) return AGL_BAD_VALUE;
+  if (!pbuffer->destroyed) return pbuffer->context == context ? AGL_NO_ERROR : AGL_BAD_CONTEXT;
+  ReportMisuseOf(function, pbuffer, kDestroyed);
+  return AGL_BAD_VALUE;
+}
+
+/// Makes `context` (null: none) current on this thread; a misuse when another thread has it.
 void Switch(Function function, AGLContext context) {
   ThreadState& thread = ThisThread();
   if (thread.current != nullptr) thread.current->current_on = 0;
   thread.current = context;
   if (context != nullptr && !context->current_on.Replace(0, thread.number))
-    ReportMisuseOf(function, Show(context).first, kElsewhere);
-}
-
-namespace {
-
-/// What may stand in the list for a format or be set, and how many values follow.
-struct Parameter {
-  GLenum name;
-  int values;
-};
-constexpr Parameter kAttributes[] = {
-    {AGL_RGBA, 0},       {AGL_DOUBLEBUFFER, 0}, {AGL_RED_SIZE, 1},      {AGL_ALPHA_SIZE, 1},
-    {AGL_DEPTH_SIZE, 1}, {AGL_NO_RECOVERY, 0},  {AGL_CLOSEST_POLICY, 0}};
-
-// Shows the list and says whether all of its attributes are known.
-bool ReadAttributes(const GLint* attributes, Arguments& shown) {
-  const auto add = [&shown](GLint number) { shown.Add(NumberText(number), number); };
-  while (attributes != nullptr && *attributes != AGL_NONE) {
-    const auto* known =
-        std::find_if(std::begin(kAttributes), std::end(kAttributes), [=](const Parameter& one) {
-          return one.name == static_cast<GLenum>(*attributes);
-        });
-    add(*attributes++);
-    if (known == std::end(kAttributes)) return false;
-    for (int i = 0; i < known->values; ++i)
-      add(*attributes++);
-  }
-  return attributes != nullptr;
-}
-
-bool IsDrawable(const HalvenorPort& port) {
-  switch (port.kind) {
-  case kHalvenorPortX11Window:
-    return port.x11Window != 0;
-  case kHalvenorPortWaylandSurface:
-    return port.waylandDisplay != nullptr && port.waylandSurface != nullptr;
-  case kHalvenorPortOffscreen:
-    return true;
-  }
-  return false;
+    ReportMisuseOf(function, context, kElsewhere);
 }
 
 // Only where the host's thread calls: in a frame the host may be changing the bounds.
@@ -150,14 +115,27 @@ void HandOverFrame(HalvenorContext& context) {
 
 } // namespace
 
+std::pair<std::string, double> Show(GrafPtr port) {
+  if (port == nullptr) return {"null", 0.0};
+  const std::lock_guard lock(ports_mutex);
+  const auto found = std::find(ports.begin(), ports.end(), port);
+  const auto number = found - ports.begin() + 1;
+  if (found == ports.end()) ports.push_back(port);
+  return {"port " + std::to_string(number), static_cast<double>(number)};
+}
+
 std::int64_t LiveContexts() {
   return contexts.Live();
 }
 std::int64_t LivePixelFormats() {
   return formats.Live();
 }
+std::int64_t LivePBuffers() {
+  return pbuffers.Live();
+}
 int CurrentContextNumber() {
-  return CurrentContext() == nullptr ? 0 : CurrentContext()->number;
+  const AGLContext current = ThisThread().current;
+  return current == nullptr ? 0 : current->number;
 }
 
 void ResetAgl() {
@@ -176,72 +154,59 @@ using namespace halvenor::stand_ins;
 AGLPixelFormat aglChoosePixelFormat(const void*, GLint, const GLint* attributes) {
   const unsigned fault = Enter(Function::aglChoosePixelFormat);
   Arguments shown;
-  const bool known = ReadAttributes(attributes, shown);
+  for (; *attributes != AGL_NONE; ++attributes)
+    shown.Add(NumberText(*attributes), *attributes);
   if (Recording()) Record(Function::aglChoosePixelFormat, std::move(shown));
-  if (known && fault == 0) return formats.Make();
-  LeaveError(fault != 0 ? fault : GLenum{AGL_BAD_ATTRIBUTE});
+  if (fault == 0) return formats.Make();
+  Refuse(fault);
   return nullptr;
 }
 
 void aglDestroyPixelFormat(AGLPixelFormat format) {
   (void)Begin(Function::aglDestroyPixelFormat, format);
-  if (format != nullptr && !formats.End(format))
-    ReportMisuseOf(Function::aglDestroyPixelFormat, Show(format).first, "was destroyed before");
+  if (format == nullptr) return;
+  if (format->destroyed) ReportMisuseOf(Function::aglDestroyPixelFormat, format, kDestroyed);
+  formats.End(format);
 }
 
 AGLContext aglCreateContext(AGLPixelFormat format, AGLContext share) {
   GLenum error = Begin(Function::aglCreateContext, format, share);
-  const bool spent = format != nullptr && format->destroyed;
-  if (spent) ReportMisuseOf(Function::aglCreateContext, Show(format).first, "was destroyed before");
-  if (error == 0 && share != nullptr) error = AGL_BAD_CONTEXT;
-  if (error == 0 && (format == nullptr || spent)) error = AGL_BAD_PIXELFORMAT;
+  if (error == 0 && format == nullptr) error = AGL_BAD_PIXELFORMAT;
   if (error == 0) return contexts.Make();
-  LeaveError(error);
+  Refuse(error);
   return nullptr;
 }
 
 GLboolean aglDestroyContext(AGLContext context) {
   if (!BeginWith(Function::aglDestroyContext, context)) return GL_FALSE;
   if (context->live_pbuffers != 0)
-    ReportMisuseOf(Function::aglDestroyContext, Show(context).first, "still has pbuffers");
-  if (CurrentContext() == context) Switch(Function::aglDestroyContext, nullptr);
-  ForgetGlState();
+    ReportMisuseOf(Function::aglDestroyContext, context, "still has pbuffers");
+  if (ThisThread().current == context) Switch(Function::aglDestroyContext, nullptr);
   contexts.End(context);
   return GL_TRUE;
 }
 
 GLboolean aglSetInteger(AGLContext context, GLenum parameter, const GLint* values) {
-  const bool named = parameter == AGL_BUFFER_NAME;
-  const bool rect = parameter == AGL_BUFFER_RECT;
-  unsigned fault = 0;
-  if (rect && values != nullptr) {
-    fault = Begin(Function::aglSetInteger, context, parameter, values[0], values[1], values[2],
-                  values[3]);
-  } else {
-    fault = Begin(Function::aglSetInteger, context, parameter, values == nullptr ? 0 : values[0]);
-  }
-  if (!MayGoOn(Function::aglSetInteger, context, fault)) return GL_FALSE;
-  if (!named && !rect) return Refuse(AGL_BAD_ENUM);
-  if (values == nullptr || (rect && (values[2] < 0 || values[3] < 0))) return Refuse(AGL_BAD_VALUE);
-  if (rect) FollowPort(context);
+  const auto begin = [&](auto... shown) {
+    return BeginWith(Function::aglSetInteger, context, parameter, shown...);
+  };
+  if (parameter != AGL_BUFFER_RECT) return begin(values[0]) ? GL_TRUE : GL_FALSE;
+  if (!begin(values[0], values[1], values[2], values[3])) return GL_FALSE;
+  FollowPort(context);
   return GL_TRUE;
 }
 
 GLboolean aglEnable(AGLContext context, GLenum parameter) {
-  if (!BeginWith(Function::aglEnable, context, parameter)) return GL_FALSE;
-  return parameter == AGL_BUFFER_RECT ? GLboolean{GL_TRUE} : Refuse(AGL_BAD_ENUM);
+  return BeginWith(Function::aglEnable, context, parameter) ? GL_TRUE : GL_FALSE;
 }
 
 GLboolean aglSetDrawable(AGLContext context, GrafPtr port) {
   if (!BeginWith(Function::aglSetDrawable, context, port)) return GL_FALSE;
   if (port != nullptr && port != context->last_port) {
-    if (!IsDrawable(*port)) return Refuse(AGL_BAD_DRAWABLE);
     context->last_port = port;
-    context->port_bounds = port->bounds;
+    FollowPort(context);
   }
   context->port = port;
-  context->pbuffer = nullptr;
-  context->target_destroyed = false;
   return GL_TRUE;
 }
 
@@ -262,11 +227,57 @@ GLboolean aglUpdateContext(AGLContext context) {
 
 void aglSwapBuffers(AGLContext context) {
   if (!BeginWith(Function::aglSwapBuffers, context)) return;
-  if (CurrentContext() == context) {
+  if (ThisThread().current == context) {
     HandOverFrame(*context);
   } else {
-    LeaveError(AGL_BAD_CONTEXT);
+    Refuse(AGL_BAD_CONTEXT);
   }
+}
+
+GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target, GLenum internalFormat,
+                           GLint maxLevel, AGLPbuffer* pbuffer) {
+  const unsigned fault =
+      Begin(Function::aglCreatePBuffer, width, height, target, internalFormat, maxLevel);
+  *pbuffer = nullptr;
+  if (fault != 0) return Refuse(fault);
+  const AGLContext context = ThisThread().current;
+  if (context == nullptr) return Refuse(AGL_BAD_CONTEXT);
+  *pbuffer = pbuffers.Make();
+  (*pbuffer)->context = context;
+  context->live_pbuffers.Add(1);
+  return GL_TRUE;
+}
+
+GLboolean aglDestroyPBuffer(AGLPbuffer pbuffer) {
+  GLenum error = Begin(Function::aglDestroyPBuffer, pbuffer);
+  const AGLContext context = ThisThread().current;
+  if (error == 0) error = FaultOf(Function::aglDestroyPBuffer, context, pbuffer);
+  if (error != AGL_NO_ERROR) return Refuse(error);
+  pbuffers.End(pbuffer);
+  context->live_pbuffers.Add(-1);
+  return GL_TRUE;
+}
+
+GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer, GLint source) {
+  if (!BeginWith(Function::aglTexImagePBuffer, context, pbuffer, static_cast<GLenum>(source)))
+    return GL_FALSE;
+  const GLenum error = FaultOf(Function::aglTexImagePBuffer, context, pbuffer);
+  return error == AGL_NO_ERROR ? GLboolean{GL_TRUE} : Refuse(error);
+}
+
+GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face, GLint level,
+                        GLint screen) {
+  if (!BeginWith(Function::aglSetPBuffer, context, pbuffer, face, level, screen)) return GL_FALSE;
+  const GLenum error = FaultOf(Function::aglSetPBuffer, context, pbuffer);
+  if (error != AGL_NO_ERROR) return Refuse(error);
+  if (ThisThread().current != context) Switch(Function::aglSetPBuffer, context);
+  context->port = nullptr;
+  return GL_TRUE;
+}
+
+GLint aglGetVirtualScreen(AGLContext context) {
+  (void)BeginWith(Function::aglGetVirtualScreen, context);
+  return 0;
 }
 
 GLenum aglGetError(void) {
@@ -276,14 +287,9 @@ GLenum aglGetError(void) {
 
 const GLubyte* aglErrorString(GLenum code) {
   (void)Begin(Function::aglErrorString, static_cast<GLint>(code));
-  static constexpr const char* kTexts[] = {"invalid attribute", "invalid pixel format",
-                                           "invalid context",   "invalid drawable",
-                                           "invalid value",     "invalid enumerant",
-                                           "invalid font",      "no display",
-                                           "no OpenGL",         "no buffer"};
-  const char* text = code == AGL_NO_ERROR ? "no error" : "unknown error";
-  if (code >= AGL_BAD_ATTRIBUTE && code <= AGL_NO_BUFFER) text = kTexts[code - AGL_BAD_ATTRIBUTE];
-  return reinterpret_cast<const GLubyte*>(text);
+  thread_local std::string text;
+  text = code == AGL_NO_ERROR ? "no error" : "AGL error " + std::to_string(code);
+  return reinterpret_cast<const GLubyte*>(text.c_str());
 }
 
 void GetFNum(const unsigned char*, int16_t* family) {
@@ -294,8 +300,6 @@ GLboolean aglUseFont(AGLContext context, GLint family, GLint style, GLint size, 
                      GLint count, GLint base) {
   if (!BeginWith(Function::aglUseFont, context, family, style, size, first, count, base))
     return GL_FALSE;
-  if (CurrentContext() != context) return Refuse(AGL_BAD_CONTEXT);
-  if (family != kFontFamily || style != 0 || size < 1 || size > 512) return Refuse(AGL_BAD_FONT);
-  const bool legal = first >= 0 && count >= 0 && count <= 256 && first <= 256 - count && base > 0;
-  return legal ? GLboolean{GL_TRUE} : Refuse(AGL_BAD_VALUE);
+  if (ThisThread().current != context) return Refuse(AGL_BAD_CONTEXT);
+  return size >= 1 && size <= 512 ? GLboolean{GL_TRUE} : Refuse(AGL_BAD_FONT);
 }

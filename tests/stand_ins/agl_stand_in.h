@@ -1,8 +1,9 @@
 // The stand-in for the context layer: every function of platform/agl.h, without any graphics.
 //
-// Contexts, drawables, current contexts and pending errors behave as platform/agl.h promises. A
-// swap hands an offscreen port a frame of zeros, unless a pbuffer is the target. `GetFNum` knows
-// one family, `kFontFamily`, which it gives for every name; `aglUseFont` leaves the lists empty.
+// Contexts, drawables, current contexts and pending errors behave as platform/agl.h promises; the
+// values of arguments are recorded and not looked at. A swap hands an offscreen port a frame of
+// zeros, unless a pbuffer is the target. `GetFNum` gives one family; `aglUseFont` takes the sizes
+// that the real one takes and leaves the lists empty.
 //
 // Faults by `Fail`: no format ("aglChoosePixelFormat"), no context ("aglCreateContext", or
 // "aglSetCurrentContext" with `AGL_NO_OPENGL`, where the real layer fails), no buffer

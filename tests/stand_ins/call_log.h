@@ -66,11 +66,9 @@ void Fail(std::string_view function, unsigned error, std::uint64_t first = 1,
 void OnCall(std::string_view function, std::function<void()> hook);
 
 /// Uses that the real libraries do not promise to survive, one line each: OpenGL without a current
-/// context, a call that is not allowed between glBegin and glEnd, a context that is current on two
-/// threads, used after its end, destroyed while another thread has it or left current by a thread
-/// that ended or destroyed while it has pbuffers, a vertex array that is not there, names and
-/// pbuffers that are not there any more, a pbuffer drawn into while it is textured from, or after
-/// its end.
+/// context, a call that is not allowed between glBegin and glEnd, names and pbuffers that are not
+/// there any more, a context that is current on two threads, used after its end, destroyed while
+/// another thread has it or while it has pbuffers, or left current by a thread that ended.
 [[nodiscard]] std::vector<std::string> Misuses();
 
 /// Everything as at the start: no calls, faults, hooks, misuses, errors or objects; not silent;

@@ -9,12 +9,13 @@
 #include <deque>
 #include <map>
 #include <mutex>
-#include <utility>
 
 namespace halvenor::stand_ins {
 
-template <Function>
-struct Of {};
+template <Function F>
+struct Of {
+  static constexpr Function kFunction = F;
+};
 
 /// The names of one kind of object, each given out once. Without a lock, as frames ask for them.
 class Names {
@@ -23,7 +24,6 @@ public:
   /// Names that are not there are a misuse.
   void Delete(Function function, GLsizei count, const GLuint* names);
   void CheckUse(Function function, GLuint name) const;
-  [[nodiscard]] bool IsLive(GLuint name) const { return name < live_.size() && live_[name]; }
   [[nodiscard]] std::int64_t Count() const { return count_; }
   void Reset();
 
@@ -49,39 +49,53 @@ public:
 
   // A function that has no overload here does nothing and gives 0.
   void Do(Of<Function::glBegin>, GLenum /*mode*/) { in_primitive = true; }
-  void Do(Of<Function::glEnd>);
-  GLuint Do(Of<Function::glGenLists>, GLsizei range);
-  void Do(Of<Function::glDeleteLists>, GLuint base, GLsizei range);
+  void Do(Of<Function::glEnd>) { in_primitive = false; }
+  GLuint Do(Of<Function::glGenLists>, GLsizei range) {
+    live_lists.Add(range);
+    return next_list.Add(static_cast<GLuint>(range));
+  }
+  void Do(Of<Function::glDeleteLists>, GLuint base, GLsizei range) {
+    if (base != 0) live_lists.Add(-range);
+  }
   GLenum Do(Of<Function::glGetError>);
-  void Do(Of<Function::glInterleavedArrays>, GLenum format, GLsizei stride, const void* pointer);
-  void Do(Of<Function::glEnable>, GLenum capability) { SetEnabled(capability, true); }
-  void Do(Of<Function::glDisable>, GLenum capability) { SetEnabled(capability, false); }
+  void Do(Of<Function::glInterleavedArrays>, GLenum /*format*/, GLsizei stride, const void* first) {
+    array_stride = stride;
+    array = first;
+  }
   void Do(Of<Function::glGenTextures>, GLsizei count, GLuint* names) {
     textures.Generate(count, names);
   }
-  void Do(Of<Function::glDeleteTextures>, GLsizei count, const GLuint* names);
-  void Do(Of<Function::glBindTexture>, GLenum target, GLuint name);
+  void Do(Of<Function::glDeleteTextures> which, GLsizei count, const GLuint* names) {
+    textures.Delete(which.kFunction, count, names);
+  }
+  void Do(Of<Function::glBindTexture> which, GLenum /*target*/, GLuint name) {
+    textures.CheckUse(which.kFunction, name);
+  }
   void Do(Of<Function::glGenProgramsARB>, GLsizei count, GLuint* names) {
     programs.Generate(count, names);
   }
-  void Do(Of<Function::glDeleteProgramsARB> which, GLsizei count, const GLuint* names);
-  void Do(Of<Function::glBindProgramARB>, GLenum target, GLuint name);
+  void Do(Of<Function::glDeleteProgramsARB> which, GLsizei count, const GLuint* names) {
+    programs.Delete(which.kFunction, count, names);
+  }
+  void Do(Of<Function::glBindProgramARB> which, GLenum target, GLuint name) {
+    programs.CheckUse(which.kFunction, name);
+    BoundProgram(target) = name;
+  }
   void Do(Of<Function::glProgramStringARB>, GLenum target, GLenum format, GLsizei length,
           const void* text);
   void Do(Of<Function::glGetIntegerv>, GLenum name, GLint* value);
-  const GLubyte* Do(Of<Function::glGetString>, GLenum name);
-  GLboolean Do(Of<Function::gluCheckExtension>, const GLubyte* name, const GLubyte* list);
+  const GLubyte* Do(Of<Function::glGetString>, GLenum name) const;
+  GLboolean Do(Of<Function::gluCheckExtension>, const GLubyte* name, const GLubyte* list) const;
+
+  Relaxed<GLuint>& BoundProgram(GLenum target);
 
   static inline thread_local bool in_primitive = false; // between glBegin and glEnd
-  Relaxed<GLenum> array_format{0};
   Relaxed<GLsizei> array_stride{0};
   Relaxed<const void*> array{nullptr};
   Relaxed<GLuint> next_list{1};
   Relaxed<std::int64_t> live_lists{0};
   Names textures;
   Names programs;
-  Relaxed<GLuint> bound_texture{0};
-  Relaxed<bool> texturing{false};
   std::array<Relaxed<GLuint>, 2> bound_programs{}; // for vertices, for fragments
   std::string extensions = kAllExtensions;
 
@@ -91,11 +105,6 @@ public:
   std::map<GLuint, std::string> program_texts;
   ProgramError program_error;
   ProgramError injected; // for the next program
-
-private:
-  void SetEnabled(GLenum capability, bool enabled) {
-    if (capability == GL_TEXTURE_2D) texturing = enabled;
-  }
 };
 
 [[nodiscard]] GlState& TheGl();

@@ -40,8 +40,7 @@ const NamedValues kBlendFactors =
 const NamedValues kPrimitives =
     HALVENOR_NAMED(GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP, GL_TRIANGLES,
                    GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN, GL_QUADS);
-const NamedValues kClearBits =
-    HALVENOR_NAMED(GL_COLOR_BUFFER_BIT, GL_DEPTH_BUFFER_BIT, GL_STENCIL_BUFFER_BIT);
+const NamedValues kClearBits = HALVENOR_NAMED(GL_COLOR_BUFFER_BIT);
 #undef HALVENOR_NAMED
 
 std::string NameIn(const NamedValues& known, GLenum value) {
@@ -50,17 +49,6 @@ std::string NameIn(const NamedValues& known, GLenum value) {
   char text[16];
   std::snprintf(text, sizeof text, "0x%04X", value);
   return text;
-}
-
-std::string MaskText(GLbitfield mask) {
-  std::string text;
-  for (const GLenum bit : kClearBits.values) {
-    if ((mask & bit) == 0) continue;
-    text += (text.empty() ? "" : " | ") + NameIn(kClearBits, bit);
-    mask &= ~bit;
-  }
-  if (mask == 0 && !text.empty()) return text;
-  return text + (text.empty() ? "" : " | ") + NameIn(kClearBits, mask);
 }
 
 std::string ArgumentText(char kind, double value) {
@@ -73,7 +61,7 @@ std::string ArgumentText(char kind, double value) {
   case 'p':
     return NameIn(kPrimitives, number());
   case 'm':
-    return MaskText(number());
+    return NameIn(kClearBits, number());
   default:
     return NumberText(value);
   }

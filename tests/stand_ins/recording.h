@@ -27,7 +27,7 @@ public:
   Relaxed(T value = T()) : value_(value) {}
   operator T() const { return value_.load(std::memory_order_relaxed); }
   void operator=(T value) { value_.store(value, std::memory_order_relaxed); }
-  /// The former value.
+  /// These give the former value.
   T Add(T more) { return value_.fetch_add(more, std::memory_order_relaxed); }
   T Exchange(T value) { return value_.exchange(value, std::memory_order_relaxed); }
   /// Whether it was `expected` and is now `value`.
@@ -71,15 +71,6 @@ void Record(Function function, Arguments arguments, std::vector<Vertex> vertices
 
 /// Adds one line to the misuses.
 void ReportMisuse(std::string line);
-
-/// What the stand-ins for OpenGL and for the context layer know of each other. The texture bound to
-/// GL_TEXTURE_2D; whether a name was given out and not deleted; the texture that shows what the
-/// thread's context draws into, or 0; whether that was destroyed. With a context its state goes.
-[[nodiscard]] GLuint BoundTexture();
-[[nodiscard]] bool IsLiveTexture(GLuint texture);
-[[nodiscard]] GLuint TargetTexture();
-[[nodiscard]] bool TargetIsDestroyed();
-void ForgetGlState();
 
 /// The parts of `Reset` that the stand-ins keep to themselves.
 void ResetGl();

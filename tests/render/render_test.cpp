@@ -199,11 +199,15 @@ TEST_F(RenderTest, PicturesShowTheRawFrames) {
 
 TEST_F(RenderTest, RunsRepeatToTheByte) {
   program_.Folder().Write("s.flac", "flacenc",
-                          {.seconds = 1.2, .wave = [](double time, int channel) {
+                          {.seconds = 0.6, .wave = [](double time, int channel) {
                              return 0.5 * std::sin(time * time * 9000 * (channel + 1));
                            }});
-  const Arguments real{"--size", "320x240", "--fps", "30", "--quiet", "s.flac"};
+  // The glow takes most of a frame's time: files have more frames without it.
+  const Arguments frames{"--size", "320x240", "--fps", "20", "--quiet", "s.flac"};
+  const Arguments files{"--size", "320x240",  "--fps",   "60",
+                        "--set",  "glow=off", "--quiet", "s.flac"};
   for (const std::string kind : {"rgba", "png", "mp4", "webm", "mkv"}) {
+    const Arguments& real = kind == "rgba" ? frames : files;
     Succeed(real + Arguments{"-o", "one." + kind, "--dump-records", "records"});
     // Files tell the second in which they were made.
     if (kind == "mp4") std::this_thread::sleep_for(std::chrono::milliseconds(1100));
@@ -212,10 +216,10 @@ TEST_F(RenderTest, RunsRepeatToTheByte) {
     EXPECT_FALSE(one.empty());
     EXPECT_TRUE(one == program_.Read("two." + kind)) << kind;
   }
-  EXPECT_EQ(program_.Read("records").size(), 24 * sizeof(RenderVisualData));
-  Succeed(real + Arguments{"-o", "two.rgba", "--records", "records"});
+  EXPECT_EQ(program_.Read("records").size(), 12 * sizeof(RenderVisualData));
+  Succeed(frames + Arguments{"-o", "two.rgba", "--records", "records"});
   EXPECT_TRUE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "from the dumped records";
-  Succeed(real + Arguments{"-o", "two.rgba", "--set", "numLines=3"});
+  Succeed(frames + Arguments{"-o", "two.rgba", "--set", "numLines=3"});
   EXPECT_FALSE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "with other settings";
 }
 

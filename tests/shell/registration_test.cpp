@@ -4,6 +4,7 @@
 #include "tests/shell/test_host.h"
 #include "tests/stand_ins/stand_in_test.h"
 
+#include <array>
 #include <pthread.h>
 
 namespace {
@@ -64,12 +65,9 @@ TEST_F(Registration, TheRecordIsThePublishedOne) {
             std::string("\x00\x02\x80\x00", 4));
   EXPECT_EQ(At<VisualHandlerProc>(76), &VisualPluginHandler);
   EXPECT_EQ(At<void*>(80, 1), nullptr);
-  const std::uint32_t words[] = {50, 2, 2};
-  for (std::size_t i = 0; i < 3; ++i)
-    EXPECT_EQ(At<std::uint32_t>(84 + 4 * i, 2), words[i]);
-  const std::int16_t halves[] = {64, 64, 32767, 32767, 0, 0, 0};
-  for (std::size_t i = 0; i < 7; ++i)
-    EXPECT_EQ(At<std::int16_t>(96 + 2 * i, 2), halves[i]);
+  EXPECT_EQ((At<std::array<std::uint32_t, 3>>(84, 2)), (std::array<std::uint32_t, 3>{50, 2, 2}));
+  EXPECT_EQ((At<std::array<std::int16_t, 7>>(96, 2)),
+            (std::array<std::int16_t, 7>{64, 64, 32767, 32767, 0, 0, 0}));
 }
 
 TEST_F(Registration, TheEntryAnswersWhateverTheHostSays) {
@@ -115,55 +113,28 @@ TEST_F(Registration, RequestsCarryTheirArguments) {
   std::uint8_t buffer[8] = {};
   std::uint32_t sizeRead = 99;
   answer = -17;
-  const struct {
-    FourCharCode code;
-    std::function<Status()> make;
-    std::function<void()> check;
-  } cases[] = {
-      {Code("pspc"),
-       [&] { return PlayerGetPluginFileSpec(nullptr, Take, reinterpret_cast<FileSpec*>(buffer)); },
-       [&] { EXPECT_EQ(At<void*>(0), buffer); }},
-      {Code("gprf"), [&] { return PlayerGetPluginData(nullptr, Take, buffer, 8, &sizeRead); },
-       [&] {
-         EXPECT_EQ(At<void*>(0), buffer);
-         EXPECT_EQ(At<std::uint32_t>(4, 1), 8U);
-         EXPECT_EQ(sizeRead, 0U);
-       }},
-      {Code("gprf"), [&] { return PlayerGetPluginData(nullptr, Take, buffer, 8, nullptr); },
-       [&] {}},
-      {Code("sprf"), [&] { return PlayerSetPluginData(nullptr, Take, buffer, 116); },
-       [&] { EXPECT_EQ(At<std::uint32_t>(4, 1), 116U); }},
-      {Code("sful"), [&] { return PlayerSetFullScreen(nullptr, Take, true); },
-       [&] { EXPECT_EQ(At<std::uint8_t>(0), 1); }},
-      {Code("sfop"), [&] { return PlayerSetFullScreenOptions(nullptr, Take, 16, 32, 24, -1, 480); },
-       [&] {
-         const std::int16_t halves[] = {16, 32, 24, -1, 480};
-         for (std::size_t i = 0; i < 5; ++i)
-           EXPECT_EQ(At<std::int16_t>(2 * i), halves[i]);
-       }},
-      {Code("any "), [&] { return ITCallApplication(nullptr, Take, Code("any "), nullptr); },
-       [&] {
-         for (const std::uint8_t byte : taken.body.bytes)
-           EXPECT_EQ(byte, 0);
-       }},
-  };
-  for (const auto& [code, make, check] : cases) {
-    EXPECT_EQ(make(), -17);
+  const auto expect = [](Status result, FourCharCode code) {
+    EXPECT_EQ(result, -17);
     EXPECT_EQ(takenCode, code);
     EXPECT_EQ(taken.majorVersion, 10U);
     EXPECT_EQ(taken.size, sizeof taken);
-    check();
-  }
-}
-
-TEST(MemClear, ClearsExactlyWhatItIsTold) {
-  for (const int count : {-3, 0, 1, 15, 16, 17, 18, 63}) {
-    std::uint8_t bytes[72];
-    std::memset(bytes, 0xEE, sizeof bytes);
-    MemClear(bytes + 3, count);
-    for (int i = 0; i < 72; ++i)
-      EXPECT_EQ(bytes[i], i >= 3 && i < 3 + count ? 0 : 0xEE) << count << ", byte " << i;
-  }
+  };
+  expect(PlayerGetPluginFileSpec(nullptr, Take, reinterpret_cast<FileSpec*>(buffer)), Code("pspc"));
+  EXPECT_EQ(At<void*>(0), buffer);
+  expect(PlayerGetPluginData(nullptr, Take, buffer, 8, nullptr), Code("gprf"));
+  expect(PlayerGetPluginData(nullptr, Take, buffer, 8, &sizeRead), Code("gprf"));
+  EXPECT_EQ(At<void*>(0), buffer);
+  EXPECT_EQ(At<std::uint32_t>(4, 1), 8U);
+  EXPECT_EQ(sizeRead, 0U);
+  expect(PlayerSetPluginData(nullptr, Take, buffer, 116), Code("sprf"));
+  EXPECT_EQ(At<std::uint32_t>(4, 1), 116U);
+  expect(PlayerSetFullScreen(nullptr, Take, true), Code("sful"));
+  EXPECT_EQ(At<std::uint8_t>(0), 1);
+  expect(PlayerSetFullScreenOptions(nullptr, Take, 16, 32, 24, -1, 480), Code("sfop"));
+  const std::int16_t halves[] = {16, 32, 24, -1, 480};
+  EXPECT_EQ(std::memcmp(taken.body.bytes, halves, sizeof halves), 0);
+  expect(ITCallApplication(nullptr, Take, Code("any "), nullptr), Code("any "));
+  EXPECT_THAT(taken.body.bytes, testing::Each(0));
 }
 
 } // namespace

@@ -96,20 +96,17 @@ private:
 
   Status Take(FourCharCode code, HostMessage* message) {
     lastRequest = *message;
-    std::string name;
+    std::string& name = requests.emplace_back();
     for (int shift = 24; shift >= 0; shift -= 8)
       name += static_cast<char>(code >> shift & 0xFF);
-    requests.push_back(name);
     if (code == request::kGetPluginFileSpec)
       std::memset(message->body.fileSpec.fileSpec, 0x5A, kFileSpecSize);
     if (code == request::kGetPluginData) {
       PluginDataBody& body = message->body.pluginData;
-      body.sizeRead =
-          static_cast<std::uint32_t>(std::min<std::size_t>(storedBlock.size(), body.size));
-      if (body.sizeRead != 0) std::memcpy(body.data, storedBlock.data(), body.sizeRead);
+      body.sizeRead = static_cast<std::uint32_t>(storedBlock.size());
+      std::copy(storedBlock.begin(), storedBlock.end(), static_cast<std::uint8_t*>(body.data));
     }
-    if (const auto found = inside.find(code); found != inside.end() && found->second)
-      found->second();
+    if (const auto found = inside.find(code); found != inside.end()) found->second();
     return answers[code];
   }
 };

@@ -2,7 +2,6 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QSignalBlocker>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHBoxLayout>
@@ -272,10 +271,16 @@ void PresetPanel::RestoreFactory() {
     Tell(tr("The factory presets are as they came."));
 }
 
-void PresetPanel::Import() {
-  auto* dialog = new QFileDialog(window(), tr("Import Presets"), QDir::homePath());
-  dialog->setObjectName(QStringLiteral("importDialog"));
+QFileDialog* PresetPanel::MakeFileDialog(const QString& title, const char* name) {
+  auto* dialog = new QFileDialog(window(), title, QDir::homePath());
+  dialog->setObjectName(QLatin1String(name));
   dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setNameFilters({tr("Presets (*.preset)"), tr("All Files (*)")});
+  return dialog;
+}
+
+void PresetPanel::Import() {
+  QFileDialog* dialog = MakeFileDialog(tr("Import Presets"), "importDialog");
   dialog->setFileMode(QFileDialog::ExistingFile);
   connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
     std::vector<std::string> added;
@@ -303,11 +308,9 @@ void PresetPanel::ExportAll() {
 void PresetPanel::Export(const QString& suggestion, std::vector<std::string> ids) {
   QString name = suggestion;
   name.replace('/', '-');
-  auto* dialog = new QFileDialog(window(), tr("Export Presets"), QDir::homePath());
-  dialog->setObjectName(QStringLiteral("exportDialog"));
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  QFileDialog* dialog = MakeFileDialog(tr("Export Presets"), "exportDialog");
   dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setDefaultSuffix(QStringLiteral("halvenor"));
+  dialog->setDefaultSuffix(QStringLiteral("preset"));
   dialog->selectFile(name);
   connect(dialog, &QFileDialog::fileSelected, this,
           [this, ids = std::move(ids)](const QString& file) {

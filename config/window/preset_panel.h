@@ -9,6 +9,7 @@
 #include <QtGui/QAction>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QRadioButton>
@@ -57,6 +58,7 @@ private:
   void ExportAll();
   void Find();
 
+  QFileDialog* MakeFileDialog(const QString& title, const char* name);
   void Export(const QString& suggestion, std::vector<std::string> ids);
 
   PresetPlayer& player_;

@@ -110,7 +110,7 @@ TEST_F(PresetsTest, AreKeptRenamedRemovedAndBroughtBack) {
 TEST_F(PresetsTest, ComeAndGoAsOneFile) {
   NamedLook brought{"Brought Along", DefaultSettings()};
   brought.look.numLines = 12;
-  Write(Folder("one.halvenor"), brought);
+  Write(Folder("one.preset"), brought);
   Open();
   const auto answer = [this](const char* dialogName, const QString& file) {
     auto* dialog = Find<QFileDialog>(dialogName);
@@ -120,14 +120,14 @@ TEST_F(PresetsTest, ComeAndGoAsOneFile) {
     QTest::keyClick(name, Qt::Key_Return);
   };
   QTest::keyClick(Window(), Qt::Key_O, Qt::ControlModifier);
-  answer("importDialog", Folder("one.halvenor"));
+  answer("importDialog", Folder("one.preset"));
   EXPECT_TRUE(Has("Brought Along"));
   Window()->activateWindow(); // there is no window manager to do it
   ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
   QTest::keyClick(Window(), Qt::Key_E, Qt::ControlModifier);
-  answer("exportDialog", Folder("all.halvenor"));
+  answer("exportDialog", Folder("all"));
   std::string problem;
-  const auto all = ReadPresetFile(Folder("all.halvenor").toStdString(), problem);
+  const auto all = ReadPresetFile(Folder("all.preset").toStdString(), problem);
   ASSERT_TRUE(all) << problem;
   EXPECT_EQ(static_cast<int>(all->size()), List()->model()->rowCount());
 }

@@ -69,15 +69,15 @@ void SetSizes(HalvenorPort& port, const PortSizes& sizes) {
   port.waylandScale = sizes.scale;
 }
 
-void FillX11(HalvenorPort& port, WId window) {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+void FillX11(HalvenorPort& port, QWindow& window) {
+  Display* display = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->display();
   port.kind = kHalvenorPortX11Window;
-  port.x11DisplayName = DisplayString(x11->display());
-  port.x11Window = window;
-  // What it shows until the first frame, and where it grows until the next.
-  XSetWindowBackground(x11->display(), window,
-                       BlackPixel(x11->display(), DefaultScreen(x11->display())));
-  XClearWindow(x11->display(), window);
+  port.x11DisplayName = DisplayString(display);
+  port.x11Window = window.winId();
+  // What they show where they grow, the windows around it too, which Qt makes white.
+  for (const QWindow* grown = &window; grown; grown = grown->parent())
+    XSetWindowBackground(display, grown->winId(), BlackPixel(display, DefaultScreen(display)));
+  XClearWindow(display, port.x11Window);
 }
 
 void FillWayland(HalvenorPort& port, QWindow& window) {
@@ -152,7 +152,7 @@ void DrawingArea::Appear() {
   port_ = {};
   SetSizes(port_, SizesFor(*handle(), pictureSize_));
   if (OnX11()) {
-    FillX11(port_, winId());
+    FillX11(port_, *this);
   } else if (OnWayland()) {
     FillWayland(port_, *this);
     if (!port_.waylandSurface) return;

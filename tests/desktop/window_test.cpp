@@ -43,15 +43,18 @@ int DifferentPixels(const QImage& a, const QImage& b) {
   return count;
 }
 
-// Pixels of the colour that Qt's own style gives to menu bars.
-int MenuBarPixels(const QImage& picture) {
-  constexpr QRgb kMenuBar = qRgb(239, 239, 239);
+int PixelsOf(QRgb colour, const QImage& picture) {
   int count = 0;
   for (int y = 0; y < picture.height(); ++y) {
     for (int x = 0; x < picture.width(); ++x)
-      count += picture.pixel(x, y) == kMenuBar;
+      count += picture.pixel(x, y) == colour;
   }
   return count;
+}
+
+// Pixels of the colour that Qt's own style gives to menu bars.
+int MenuBarPixels(const QImage& picture) {
+  return PixelsOf(qRgb(239, 239, 239), picture);
 }
 
 int LitPixels(const QImage& picture) {
@@ -242,6 +245,16 @@ TEST(ScaledDeskTest, FollowsAScaleThatChanges) {
     })) << size
         << ", not " << program.Last("[swin]");
   }
+}
+
+// Seen before the program comes to draw what the window system has made larger.
+TEST_F(OneDeskTest, IsNotWhiteWhereItGrows) {
+  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+  ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
+  program.Signal(SIGSTOP);
+  desk->Run("xdotool", {"getactivewindow", "windowsize", "--sync", "1100", "700"});
+  EXPECT_LT(PixelsOf(qRgb(255, 255, 255), desk->Picture()), 10'000);
+  program.Signal(SIGCONT);
 }
 
 // Settings that cannot be kept are no reason to end.

@@ -28,7 +28,6 @@ protected:
     return stand_ins::LivePBuffers() + stand_ins::LiveTextures() + stand_ins::LivePrograms();
   }
 
-  stand_ins::LogLines log_;
   HalvenorPort port_ = stand_ins::OffscreenPort(8, 8);
   std::optional<TestContext> made_;
   AGLContext context_ = nullptr;

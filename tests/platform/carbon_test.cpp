@@ -198,29 +198,8 @@ TEST(DebugLog, AReceiverTakesOverAndIsDoneWhenItIsReplaced) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::EndsWith(": !\n"));
 }
 
-TEST(RecordGuardTest, LeavesOnlyWhatItEntered) {
-  static bool takes_lock = false;
-  static std::string acts;
-  static auto* const record = reinterpret_cast<VisualPluginData*>(&acts);
-  const GuardBacking backing = {[] {
-                                  acts += "enter ";
-                                  return takes_lock;
-                                },
-                                [] { acts += "leave "; },
-                                [] {
-                                  acts += "record ";
-                                  return record;
-                                }};
-  EXPECT_EQ(RecordGuard().Record(), nullptr) << "no plug-in";
-  SetGuardBacking(&backing);
-  EXPECT_EQ(RecordGuard().Record(), record);
-  EXPECT_EQ(acts, "enter record ");
-  takes_lock = true;
-  acts.clear();
-  EXPECT_EQ(RecordGuard().Record(), record);
-  EXPECT_EQ(acts, "enter record leave ");
-  SetGuardBacking(nullptr);
-  EXPECT_EQ(RecordGuard().Record(), nullptr) << "the plug-in was unloaded";
+TEST(RecordGuardTest, WithoutAPluginThereIsNoRecord) {
+  EXPECT_EQ(RecordGuard().Record(), nullptr);
 }
 
 } // namespace

@@ -22,7 +22,6 @@ protected:
     StandInTest::TearDown();
   }
 
-  stand_ins::LogLines log_;
   HalvenorPort port_ = stand_ins::OffscreenPort(400, 200);
   Display display_;
 };

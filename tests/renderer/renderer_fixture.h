@@ -36,7 +36,6 @@ protected:
     renderer_.reset();
     EXPECT_EQ(LiveObjects(), 0);
     EXPECT_EQ(stand_ins::CurrentContextNumber(), 0);
-    clock::UseRealTime();
     StandInTest::TearDown();
   }
 
@@ -70,7 +69,6 @@ protected:
 
   bool Open() { return renderer_->Open(&port_, &port_.bounds) == 1; }
 
-  stand_ins::LogLines log_;
   HalvenorPort port_ = stand_ins::OffscreenPort(400, 200);
   std::unique_ptr<VisualPluginData> data_ = std::make_unique<VisualPluginData>();
   std::unique_ptr<Renderer> renderer_;

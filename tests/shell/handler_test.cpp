@@ -79,6 +79,7 @@ TEST_F(Handler, PlayShowsALineForEachRecord) {
 
 TEST_F(Handler, ChangeOfTrackHasFixedTimesAndTheStreamWins) {
   VisualPluginData& record = *host_.Record();
+  record.streamTextTime = 99;
   host_.SendTracks(message::kChangeTrack, &track_, nullptr);
   EXPECT_EQ(record.trackTextTime, 1000);
   EXPECT_EQ(record.streamTextTime, 0);
@@ -156,7 +157,6 @@ TEST_F(Handler, WindowMessagesCarryTheOptionsAndTheRectangle) {
   EXPECT_NE(host_.SendWindow(message::kSetWindow, &port, port.bounds, 0), 0);
   EXPECT_EQ(host_.Send(message::kHide), 0);
   EXPECT_NE(host_.SendWindow(message::kSetWindow, &port, port.bounds, 0), 0);
-  clock::UseRealTime();
 }
 
 } // namespace

@@ -60,8 +60,11 @@ TEST_F(Intake, LevelsAndLoudnessFollowTheMeans) {
 }
 
 TEST_F(Intake, TheTopBinIsTheHighestThatStandsOut) {
-  data_->spectrum[1][200] = 255;
   data_->spectrum[0][120] = 255;
+  Deliver();
+  EXPECT_EQ(record_->highestActiveBin, static_cast<float>(0.99 * 150.0F + 0.01 * 120));
+  record_->highestActiveBin = 150.0F;
+  data_->spectrum[1][200] = 255;
   Deliver();
   EXPECT_EQ(record_->highestActiveBin, static_cast<float>(0.99 * 150.0F + 0.01 * 200));
   record_->loudness = 1.9F; // a threshold that no bin passes

@@ -25,7 +25,6 @@ protected:
     EXPECT_EQ(rendering, 0);
     EXPECT_EQ(renderThreadExists, 0);
     EXPECT_EQ(stand_ins::LiveContexts(), 0);
-    clock::UseRealTime();
     StandInTest::TearDown();
   }
   bool Draws() { return clock::Step(clock::Now() + 10000000) == clock::StepResult::Frame; }

@@ -71,7 +71,6 @@ TEST_F(Registration, TheRecordIsThePublishedOne) {
 }
 
 TEST_F(Registration, TheEntryAnswersWhateverTheHostSays) {
-  stand_ins::LogLines log;
   for (const Status status : {0, -1, 1234}) {
     answer = status;
     PluginInitMessage message = {10, 1, nullptr, Take};
@@ -82,11 +81,10 @@ TEST_F(Registration, TheEntryAnswersWhateverTheHostSays) {
   for (const FourCharCode code : {message::kShow, message::kIdle, Code("what"), 0U})
     EXPECT_EQ(iTunesPluginMainMachO(code, nullptr, nullptr), status::kNotHandled);
   EXPECT_NE(renderer, nullptr);
-  EXPECT_THAT(log.Take(), IsEmpty());
+  EXPECT_THAT(log_.Take(), IsEmpty());
 }
 
 TEST_F(Registration, GoesOnWithoutAMutexOfItsOwn) {
-  stand_ins::LogLines log;
   Renderer* const kept = renderer;
   renderer = nullptr; // as at the start of the process
   failMutex = true;
@@ -94,7 +92,7 @@ TEST_F(Registration, GoesOnWithoutAMutexOfItsOwn) {
   answer = 7;
   EXPECT_EQ(RegisterVisualPlugin(&message), 7);
   failMutex = false;
-  EXPECT_THAT(log.Take(), ElementsAre(" Failed creating mutex"));
+  EXPECT_THAT(log_.Take(), ElementsAre(" Failed creating mutex"));
   delete renderer;
   renderer = kept;
   EXPECT_EQ(VisualPluginHandler(message::kIdle, nullptr, nullptr), 0); // and can still lock

@@ -82,7 +82,6 @@ protected:
     EXPECT_EQ(rendering, 0);
     EXPECT_EQ(renderThreadExists, 0);
     EXPECT_EQ(stand_ins::LiveContexts(), 0);
-    clock::UseRealTime();
     onFrame = {};
     creationFails = false;
     EXPECT_EQ(running, 0);
@@ -190,7 +189,6 @@ TEST_F(RenderThreadTest, AThreadThatStartsTooLateDrawsNothingAndIsJoined) {
 }
 
 TEST_F(RenderThreadTest, AnOpeningThatFailsStartsNothing) {
-  stand_ins::LogLines log;
   clock::UseStepped(kFrame);
   for (const bool shownBefore : {false, true}) {
     if (shownBefore) host_.Show(&port_);
@@ -200,7 +198,7 @@ TEST_F(RenderThreadTest, AnOpeningThatFailsStartsNothing) {
     EXPECT_EQ(rendering, 0);
     EXPECT_EQ(renderThreadExists, 0);
     EXPECT_EQ(Step(), StepResult::NoFrame);
-    EXPECT_THAT(log.Take(), ElementsAre(StartsWith("Failed to resize openGL window : ")));
+    EXPECT_THAT(log_.Take(), ElementsAre(StartsWith("Failed to resize openGL window : ")));
   }
 }
 

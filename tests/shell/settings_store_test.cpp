@@ -29,7 +29,6 @@ protected:
     return settings;
   }
 
-  stand_ins::LogLines log_;
   TestHost host_;
 };
 
@@ -41,11 +40,10 @@ TEST_F(SettingsStore, AFirstRunHasTheDefaults) {
   EXPECT_EQ(host_.Record()->trackTextTime + host_.Record()->streamTextTime, 0);
   EXPECT_EQ(host_.Record()->pluginFileSpec.bytes[69], 0x5A);
   EXPECT_THAT(host_.requests, ElementsAre("pspc", "gprf", "sfop"));
-  EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.minBitDepth, 16);
-  EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.maxBitDepth, 32);
-  EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.preferredBitDepth, 32);
-  EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.desiredWidth, 640);
-  EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.desiredHeight, 480);
+  const FullScreenOptionsBody& options = host_.lastRequest.body.fullScreenOptions;
+  EXPECT_THAT((std::vector<int>{options.minBitDepth, options.maxBitDepth, options.preferredBitDepth,
+                                options.desiredWidth, options.desiredHeight}),
+              ElementsAre(16, 32, 32, 640, 480));
   EXPECT_THAT(log_.Take(), IsEmpty());
 }
 

@@ -16,13 +16,7 @@ constexpr int kDeliveries = 100;
 constexpr int kFramesPerDelivery = 3;
 constexpr std::uint64_t kFrameInterval = 1000000000 / 60;
 
-class SteadyStateTest : public stand_ins::StandInTest {
-protected:
-  void TearDown() override {
-    clock::UseRealTime();
-    StandInTest::TearDown();
-  }
-};
+using SteadyStateTest = stand_ins::StandInTest;
 
 TEST_F(SteadyStateTest, FramesAndDeliveriesAllocateNothing) {
   stand_ins::SetSilent(true);

@@ -1,7 +1,8 @@
-// A fixture for suites over the stand-ins: each case starts from scratch and ends without misuse
-// and with every pbuffer and reference given back.
+// A fixture for suites over the stand-ins: each case starts from scratch, with its log collected,
+// and ends in real time, without misuse and with every pbuffer and reference given back.
 #pragma once
 
+#include "platform/clock.h"
 #include "tests/stand_ins/agl_stand_in.h"
 #include "tests/stand_ins/bundle_stand_in.h"
 #include "tests/stand_ins/call_log.h"
@@ -23,7 +24,10 @@ protected:
     EXPECT_EQ(LivePBuffers(), 0);
     EXPECT_EQ(LiveReferences(), 0);
     Reset();
+    clock::UseRealTime();
   }
+
+  LogLines log_;
 };
 
 } // namespace halvenor::stand_ins

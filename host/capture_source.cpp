@@ -27,6 +27,8 @@ constexpr auto kNoSignalAfter = 2s;
 constexpr float kLeastSignal = 0.0001F; // -80 dBFS
 constexpr float kMeterDecibels = 60;
 constexpr std::size_t kMostKept = 128; // records, more than six seconds
+constexpr auto kMostLatency = 2s;      // that is believed
+constexpr int kMostDoubts = 20;        // and how often it is not, in a row
 
 // Half of it becomes the latency of the device: a compromise between being early enough and waking
 // the device too often.
@@ -129,6 +131,7 @@ struct CaptureSource::Impl {
                     AnalysisWindows::Past};
   HeardClock clock;
   std::uint64_t frames = 0; // of this stream so far
+  int doubts = 0;           // of its latency
   float peak = 0;           // of the record under way
   std::deque<Kept> kept;
   Clock::time_point lastTold{};
@@ -238,6 +241,7 @@ void CaptureSource::Impl::Drop() {
   clock.Reset();
   kept.clear();
   frames = 0;
+  doubts = 0;
   peak = 0;
   connectingSince = Clock::now();
 }
@@ -263,6 +267,8 @@ void CaptureSource::Impl::ReadSound() {
     pa_stream_get_latency(stream.get(), &latency, &negative);
     const std::chrono::microseconds span(latency);
     clock.Observe(frames, negative != 0 ? now + span : now - span);
+    // After a server has hung for so long that sound was lost, all that follows counts as late.
+    doubts = negative == 0 && span > kMostLatency ? doubts + 1 : 0;
   }
   const void* data = nullptr;
   std::size_t size = 0;
@@ -276,6 +282,7 @@ void CaptureSource::Impl::ReadSound() {
     }
     pa_stream_drop(stream.get());
   }
+  if (doubts > kMostDoubts) Drop();
 }
 
 void CaptureSource::Impl::Take(std::span<const float> sound) {

@@ -34,6 +34,23 @@ extern "C" pa_operation* __wrap_pa_context_get_server_info(pa_context* context,
   return __real_pa_context_get_server_info(context, lie, user);
 }
 
+// And the one stream of the connection can be as after a server has hung for long: all that it
+// brings is called late from then on.
+namespace {
+bool isLate;
+std::optional<std::uint32_t> lateStream;
+} // namespace
+
+extern "C" int __real_pa_stream_get_latency(pa_stream*, pa_usec_t*, int*);
+extern "C" int __wrap_pa_stream_get_latency(pa_stream* stream, pa_usec_t* latency, int* negative) {
+  if (isLate && !lateStream) lateStream = pa_stream_get_index(stream);
+  if (lateStream != pa_stream_get_index(stream))
+    return __real_pa_stream_get_latency(stream, latency, negative);
+  *latency = 30'000'000;
+  *negative = 0;
+  return 0;
+}
+
 namespace halvenor {
 namespace {
 
@@ -100,8 +117,9 @@ protected:
     low = folder.Write("low.wav", "wavenc", {44100, 2, 30, Sine(12 * 86.13)});
     high = folder.Write("high.wav", "wavenc", {44100, 2, 30, Sine(40 * 86.13, 0.01)});
     ASSERT_TRUE(machine.Start());
-    firstIsDeaf = false;
+    firstIsDeaf = isLate = false;
     deaf = nullptr;
+    lateStream.reset();
   }
   bool MicrophoneIsOpen() {
     const std::string sources = machine.Ask("list short sources");
@@ -218,6 +236,27 @@ public:
   std::vector<MediaPlayer::State> told;
   int starts = 0;
 };
+
+// Whoever waited for it would wait for ever.
+TEST_P(CaptureSourceTest, AServerThatHangsHoldsUpNothing) {
+  Mouth mouth;
+  MediaPlayer player(mouth, {}, &ear.server);
+  ear.andPoll = [&] { player.Poll(); };
+  ear.capture.Open();
+  player.Open(low);
+  ASSERT_TRUE(ear.Hears(12));
+  machine.Signal(SIGSTOP);
+  ASSERT_TRUE(ear.Reaches(State::NoSignal));
+  player.Pause();
+  player.Seek(3);
+  player.Play();
+  machine.Signal(SIGCONT);
+  isLate = true;
+  ear.Until([] { return false; }, 1s);
+  ASSERT_TRUE(lateStream);
+  ASSERT_TRUE(ear.Hears(12)) << "in a new stream";
+  EXPECT_GT(player.Position(), 2);
+}
 
 // The player goes by the latency of what it plays, the listener by that of what it records. Other
 // load on the machine may disturb a try, but not always the same way.

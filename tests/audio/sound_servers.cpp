@@ -67,6 +67,11 @@ void TestSoundServer::Kill() {
     fs::remove_all(fs::path(folder_) / left, ignored);
 }
 
+void TestSoundServer::Signal(int signal) const {
+  for (const auto& process : processes_)
+    process->Signal(signal);
+}
+
 bool TestSoundServer::Control(const std::string& arguments) const {
   const std::string command = "timeout 10 pactl " + arguments + " >/dev/null 2>&1";
   return std::system(command.c_str()) == 0; // NOLINT(concurrency-mt-unsafe)

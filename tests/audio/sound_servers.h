@@ -25,6 +25,8 @@ public:
   bool Start();
   /// Ends the server at once, without a word to its clients.
   void Kill();
+  /// SIGSTOP and SIGCONT: it hangs, and goes on.
+  void Signal(int signal) const;
   /// Runs pactl with these arguments; whether it succeeded.
   [[nodiscard]] bool Control(const std::string& arguments) const;
   /// What pactl says.

@@ -104,6 +104,7 @@ std::string Explain(GstMessage* message) {
   const std::array meanings{
       Meaning{resource, GST_RESOURCE_ERROR_NOT_FOUND, "cannot be found"},
       Meaning{resource, GST_RESOURCE_ERROR_NOT_AUTHORIZED, "may not be read"},
+      Meaning{resource, GST_RESOURCE_ERROR_SEEK, "cannot be sought in"},
       Meaning{resource, GST_RESOURCE_ERROR_READ, "cannot be read to its end"},
       Meaning{gst_core_error_quark(), GST_CORE_ERROR_MISSING_PLUGIN, "contains no sound"},
       Meaning{stream, GST_STREAM_ERROR_FAILED, "cannot be read"},
@@ -130,6 +131,13 @@ std::string Explain(GstMessage* message) {
   for (const Meaning& meaning : meanings)
     if (g_error_matches(reason, meaning.domain, meaning.code) != FALSE) return meaning.text;
   return OneLine(reason->message);
+}
+
+bool IsSeekRefused(GstMessage* message) {
+  GError* reason = nullptr;
+  gst_message_parse_error(message, &reason, nullptr);
+  const OwnedError owned(reason);
+  return g_error_matches(reason, gst_resource_error_quark(), GST_RESOURCE_ERROR_SEEK) != FALSE;
 }
 
 bool ExplainMissingDecoder(GstMessage* message, std::string& text) {

@@ -52,6 +52,9 @@ std::string About(const std::string& name, const std::string& text);
 /// What an error message of the bus means for a listener, without the medium's name.
 std::string Explain(GstMessage* message);
 
+/// Whether an error message says that the medium cannot be read from any other place.
+bool IsSeekRefused(GstMessage* message);
+
 /// Whether the message says which decoder is missing, and then that in `text`.
 bool ExplainMissingDecoder(GstMessage* message, std::string& text);
 

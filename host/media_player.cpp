@@ -28,6 +28,7 @@ constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kStale = 200 * GST_MSECOND;
 
 constexpr double kAboutToEnd = 5;    // seconds before the end
+constexpr double kLongest = 1e6;     // seconds, of what does not tell its length
 constexpr auto kServerPatience = 2s; // for the first answer of the sound server
 constexpr auto kClosePatience = 2s;  // for the device to be let go of
 constexpr auto kStall = 10s;         // without a byte
@@ -80,6 +81,7 @@ struct MediaPlayer::Impl {
   bool started = false;    // the first sound is there
   bool tellStart = false;  // it is news to the listener
   bool everPlayed = false; // the medium that was asked for
+  bool seekable = true;    // unless its server refused
   bool buffering = false;
   std::string missing; // what GStreamer lacks for this medium
 
@@ -96,7 +98,7 @@ struct MediaPlayer::Impl {
   bool asked = false;              // for the next one
   std::optional<int> decodedTrack; // the last that was decoded to its end
   bool released = false;           // its end takes effect
-  std::optional<double> length;    // of the track
+  std::optional<double> length;    // of the track; still known while it is tried again
   Clock::time_point lengthSought{};
 
   std::int64_t heard = 0; // running time, nanoseconds
@@ -149,7 +151,6 @@ void MediaPlayer::Impl::Leave() {
   retryAt.reset();
   next.reset();
   decodedTrack.reset();
-  length.reset();
   started = buffering = asked = released = false;
   track = 0;
   missing.clear();
@@ -182,8 +183,7 @@ std::optional<std::string> MediaPlayer::Impl::SinkDescription() {
 void MediaPlayer::Impl::Begin() {
   const std::optional<std::string> sink = SinkDescription();
   if (!sink) return;
-  const double at = *beginAt;
-  Leave();
+  const double at = *std::exchange(beginAt, std::nullopt);
   begun = Clock::now();
   std::string error;
   medium = gst_media::Start(error) ? Find(name, error) : std::nullopt;
@@ -282,6 +282,7 @@ void MediaPlayer::Impl::HandleError(GstMessage* message) {
     return;
   }
   std::string text = missing.empty() ? Explain(message) : missing;
+  if (IsSeekRefused(message)) seekable = false;
   if (pipeline->MediaType(track) == "text/html") text = "is a web page, not sound";
   if (everPlayed && IsNetwork(medium->uri)) {
     Lose(text);
@@ -382,7 +383,7 @@ void MediaPlayer::Impl::FindLength() {
   constexpr auto kPause = 500ms;
   if (asked || !started || Clock::now() - lengthSought < kPause) return;
   lengthSought = Clock::now();
-  length = pipeline->Length();
+  if (const std::optional<double> found = pipeline->Length()) length = found;
 }
 
 /// Whether it is known what is heard at this moment.
@@ -451,7 +452,7 @@ void MediaPlayer::Impl::TellRecords(std::int64_t until) {
 void MediaPlayer::Impl::WatchStream() {
   if (state != State::Playing || !medium || !IsNetwork(medium->uri)) return;
   const Clock::time_point now = Clock::now();
-  if (retryAt && now >= *retryAt) BeginSoon(IsRadio() ? 0 : toldUntil);
+  if (retryAt && now >= *retryAt) BeginSoon(IsRadio() || !seekable ? 0 : toldUntil);
   if (!pipeline || decodedTrack) return;
   if (started && now - begun > kRecovered) tries = 0;
   if (now - std::max(begun, pipeline->LastBytes()) < kStall) return;
@@ -463,11 +464,8 @@ void MediaPlayer::Impl::WatchStream() {
 }
 
 void MediaPlayer::Impl::Lose(const std::string& reason) {
-  const bool radio = IsRadio();
-  const std::optional<double> known = length;
   Leave();
-  length = known;
-  tellStart = radio;
+  tellStart = true;
   retryAt = Clock::now() + kPauses[std::min(tries, kPauses.size() - 1)];
   ++tries;
   listener.Reconnecting(About(name, reason));
@@ -487,6 +485,8 @@ void MediaPlayer::Open(const std::string& medium) {
   impl.silent = impl.everPlayed = false;
   impl.tellStart = true;
   impl.tries = 0;
+  impl.seekable = true;
+  impl.length.reset();
   impl.BeginSoon(0);
   impl.state = impl.told = State::Playing;
 }
@@ -520,12 +520,13 @@ void MediaPlayer::Stop() {
   impl_->Leave();
   impl_->state = impl_->told = State::Stopped;
   impl_->position = impl_->toldUntil = 0;
+  impl_->length.reset();
 }
 
 void MediaPlayer::Seek(double seconds) {
   Impl& impl = *impl_;
   if (!CanSeek()) return;
-  const double wanted = std::clamp(seconds, 0.0, Length().value_or(seconds));
+  const double wanted = std::clamp(seconds, 0.0, Length().value_or(kLongest));
   if (impl.released || impl.decodedTrack == impl.track) { // what was to be sought in has gone by
     impl.BeginSoon(wanted);
     return;
@@ -584,7 +585,8 @@ std::optional<double> MediaPlayer::Length() const {
 }
 
 bool MediaPlayer::CanSeek() const {
-  return impl_->pipeline && impl_->started && !impl_->IsRadio() && impl_->pipeline->CanSeek();
+  return impl_->pipeline && impl_->started && impl_->seekable && !impl_->IsRadio() &&
+         impl_->pipeline->CanSeek();
 }
 
 double MediaPlayer::Volume() const {

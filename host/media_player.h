@@ -16,7 +16,8 @@ class SoundServer;
 ///
 /// Internet radio (an http address without an end) is connected again by itself when it stalls for
 /// 10 seconds, drops or ends, after pauses that grow from 1 to 30 seconds, for as long as it takes;
-/// only an address that has not played at all yet fails.
+/// only an address that has not played at all yet fails. A file that comes over the network does
+/// the same, and goes on where it was lost.
 ///
 /// One thread, the host's, makes all calls, and everything is told to the listener on that thread
 /// from within `Poll`: never from threads of the media library. No call waits for a device, a
@@ -29,7 +30,7 @@ public:
   public:
     virtual ~Listener() = default;
     /// The first sound of the medium is there and begins to play (or waits, when paused). Also when
-    /// the first sound of what `SetNext` named is heard, without `Ended` before it, and when radio
+    /// the first sound of what `SetNext` named is heard, without `Ended` before it, and when it
     /// plays again after `Reconnecting`.
     virtual void Started(const MediaTags& tags) = 0;
     /// A tag has changed since `Started`.
@@ -48,8 +49,9 @@ public:
     virtual void Ended() = 0;
     /// One line that names the medium; the player is stopped.
     virtual void Failed(const std::string& error) = 0;
-    /// Radio was lost for that reason (one line that names it) and is tried again by itself after a
-    /// pause; the player's state stays as it is. Again for every try that fails.
+    /// What comes over the network was lost for that reason (one line that names it) and is tried
+    /// again by itself after a pause; the player's state stays as it is. Again for every try that
+    /// fails.
     virtual void Reconnecting(const std::string& /*reason*/) {}
   };
 

@@ -10,6 +10,9 @@ Writes its port to a file and serves GET /WAY?..., where WAY is one of
   page    a web page called sound
   long    as good, with a title of 4000 characters, some of which are none
   gone    404
+  file    FILE itself, from any place on
+  whole   the same from its start, whatever is asked for
+  cut     three seconds' worth of it, and the connection is cut two seconds later
 /WAY.pls is a playlist that names the way. A way "A,B" is A for the first listener and B for all after it.
 """
 import http.server, itertools, os, socket, struct, sys, time
@@ -47,6 +50,9 @@ class Radio(http.server.BaseHTTPRequestHandler):
         if way == "gone":
             self.send_error(404)
             return
+        if way in ("file", "cut", "whole"):
+            self.send_file(way)
+            return
         kind = {"page": "audio/mpeg", "lie": "image/png"}.get(way, "audio/mpeg")
         self.send_response(200)
         self.send_header("Content-Type", kind)
@@ -61,6 +67,24 @@ class Radio(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.send_sound(way, titled)
 
+    def send_file(self, way):
+        part = self.headers.get("Range") if way != "whole" else None
+        begin = int(part[6:].split("-")[0]) if part else 0
+        self.send_response(206 if part else 200)
+        self.send_header("Content-Length", len(SOUND) - begin)
+        if part:
+            place = (begin, len(SOUND) - 1, len(SOUND))
+            self.send_header("Content-Range", "bytes %d-%d/%d" % place)
+        self.end_headers()
+        self.wfile.write(SOUND[begin : 3 * RATE if way == "cut" else None])
+        if way == "cut":
+            time.sleep(2)
+            self.reset()
+
+    def reset(self):  # instead of an end
+        now = struct.pack("ii", 1, 0)
+        self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, now)
+
     def send_sound(self, way, titled):
         endless = itertools.cycle(
             [SOUND[i : i + INTERVAL] for i in range(0, len(SOUND) - INTERVAL, INTERVAL)]
@@ -72,9 +96,8 @@ class Radio(http.server.BaseHTTPRequestHandler):
             time.sleep(INTERVAL / RATE / 5)
         if way == "stall":
             time.sleep(60)
-        if way == "drop":  # a reset instead of an end
-            now = struct.pack("ii", 1, 0)
-            self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, now)
+        if way == "drop":
+            self.reset()
 
 
 class Server(http.server.ThreadingHTTPServer):

@@ -32,7 +32,10 @@ protected:
     std::ifstream(folder.Path("port")) >> port;
   }
 
-  void Started(const MediaTags& tags) override { told.push_back("started " + tags.title); }
+  void Started(const MediaTags& tags) override {
+    told.push_back("started " + tags.title);
+    startedAt = player.Position();
+  }
   void TagsChanged(const MediaTags& /*tags*/) override {}
   void StreamTagsChanged(const StreamTags& tags) override {
     if (!tags.title.empty()) titles.push_back(tags.title);
@@ -62,6 +65,7 @@ protected:
   std::string port, address;
   std::vector<std::string> told, titles;
   int loud = 0;
+  double startedAt = 0; // seconds
   MediaPlayer player{*this, "fakesink sync=true"};
 };
 
@@ -129,6 +133,28 @@ TEST_F(RadioTest, WhatIsLostIsTriedAgain) {
                                     "started Loopback FM"));
     }
   }
+}
+
+TEST_F(RadioTest, AFileIsPlayedOnWhereItWasLost) {
+  Open("cut,gone,gone,file");
+  ASSERT_TRUE(Until([&] { return told.size() > 1; }));
+  const double lostAt = player.Position();
+  ASSERT_TRUE(Until([&] { return told.back() == "ended"; })) << testing::PrintToString(told);
+  EXPECT_THAT(told, ElementsAre(HasSubstr("started"), HasSubstr("lost"), HasSubstr("404"),
+                                HasSubstr("started"), "ended"));
+  EXPECT_NEAR(startedAt, lostAt, 0.2);
+  EXPECT_GT(startedAt, 0.5);
+
+  // Where the server knows no places it begins again, once.
+  told.clear();
+  Open("whole");
+  ASSERT_TRUE(Until([&] { return player.CanSeek() && player.Position() > 0; }));
+  player.Seek(3);
+  ASSERT_TRUE(Until([&] { return told.back() == "ended"; })) << testing::PrintToString(told);
+  EXPECT_THAT(told,
+              ElementsAre(HasSubstr("started"), HasSubstr("lost"), HasSubstr("started"), "ended"));
+  EXPECT_LT(startedAt, 0.5);
+  EXPECT_FALSE(player.CanSeek());
 }
 
 } // namespace

@@ -89,6 +89,7 @@ void Register() {
 void Reset() {
   const std::scoped_lock lock(heard.mutex);
   heard.first.reset();
+  heard.loudest = 0;
   heard.plugged = true;
 }
 

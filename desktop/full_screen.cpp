@@ -19,8 +19,11 @@ FullScreen::FullScreen(QWidget& window, DrawingArea& area, Visualizer& visualize
 
 void FullScreen::Set(bool fullScreen) {
   if (fullScreen == window_.isFullScreen()) return;
-  QScreen* const screen = ChosenScreen();
-  if (fullScreen && screen && screen != window_.screen()) MoveTo(*screen);
+  if (fullScreen) {
+    before_ = QRect(); // somebody else may have led it out of the full screen
+    QScreen* const screen = ChosenScreen();
+    if (screen && screen != window_.screen()) MoveTo(*screen);
+  }
   window_.setWindowState(window_.windowState().setFlag(Qt::WindowFullScreen, fullScreen));
   if (!fullScreen && !before_.isNull()) MoveBack();
 }
@@ -36,8 +39,14 @@ void FullScreen::SetPlaying(bool playing) {
   screenSaver_.SetInhibited(playing_ && window_.isFullScreen());
 }
 
-// A window goes into full screen on the screen that it is on.
+// A window goes into full screen on the screen that it is on. Under Wayland the compositor alone
+// places it; a place of its own would only let Qt take it to be on another screen, of another
+// scale.
 void FullScreen::MoveTo(QScreen& screen) {
+  if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+    if (window_.windowHandle()) window_.windowHandle()->setScreen(&screen);
+    return;
+  }
   wasMaximized_ = window_.isMaximized();
   before_ = wasMaximized_ ? window_.normalGeometry() : window_.geometry();
   if (wasMaximized_) window_.setWindowState(Qt::WindowNoState);

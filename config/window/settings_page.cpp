@@ -137,6 +137,7 @@ void SettingsPage::Arrange() {
   const QMargins margins = widget()->layout()->contentsMargins();
   const int around = margins.left() + margins.right();
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  setMinimumWidth(widest + around + bar); // one column is never cut
   const bool two = width() >= 2 * widest + around + bar + widget()->layout()->spacing();
   if (two == twoColumns_) return;
   twoColumns_ = two;

@@ -1,6 +1,7 @@
 // The presets side of the configuration window.
 #include "config/look.h"
 #include "config/preset_file.h"
+#include "tests/config/small_disk.h"
 #include "tests/config_window/window_fixture.h"
 
 #include <QtCore/QDir>
@@ -13,9 +14,6 @@
 #include <QtWidgets/QListView>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QRadioButton>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace halvenor::test {
 namespace {
@@ -218,19 +216,14 @@ TEST_F(PresetsTest, NothingIsLostWhenTheDiskIsFull) {
   WriteOwn("kept", 0.25F);
   Open();
   const QStringList before = Files();
-  signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit none{0, limit.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
-  Select("kept");
-  Click("add.button");
-  const QString afterAdd = Message();
-  Click("duplicate.button");
-  const bool refused = Host::CallLocked(LoadedModule().addPreset) != status::kOk;
-  setrlimit(RLIMIT_FSIZE, &limit);
-  EXPECT_TRUE(refused);
-  EXPECT_FALSE(afterAdd.isEmpty());
+  {
+    const SmallDisk disk(0);
+    Select("kept");
+    Click("add.button");
+    EXPECT_FALSE(Message().isEmpty());
+    Click("duplicate.button");
+    EXPECT_NE(Host::CallLocked(LoadedModule().addPreset), status::kOk);
+  }
   EXPECT_EQ(Files(), before);
   EXPECT_TRUE(Has("kept"));
   Click("add.button");

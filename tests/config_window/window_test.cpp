@@ -29,22 +29,6 @@ QString Shown(const QWidget* widget) {
   return button->text();
 }
 
-TEST_F(WindowFixture, EveryControlMovesItsFieldAndNothingElse) {
-  Open();
-  for (const SettingField& moved : SettingFields()) {
-    const Settings before = Host::Present();
-    Move(moved);
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-      return ToText(Host::Present(), moved) != ToText(before, moved);
-    })) << moved.name;
-    Settings after = Host::Present();
-    const std::string value = ToText(after, moved);
-    Settings expected = before;
-    EXPECT_EQ(SetFromText(expected, moved, value), std::nullopt);
-    EXPECT_EQ(std::memcmp(&after, &expected, sizeof after), 0) << moved.name;
-  }
-}
-
 TEST_F(WindowFixture, ShowsWhatOthersChangeAndWritesNothing) {
   Open();
   const struct {

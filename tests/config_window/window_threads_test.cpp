@@ -2,6 +2,7 @@
 #include "tests/config_window/window_fixture.h"
 
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 // Qt's own locks are not known to the thread sanitizer. What Qt's libraries themselves do is left
@@ -15,7 +16,7 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_sup
 namespace halvenor::test {
 namespace {
 
-TEST_F(WindowFixture, MovesEveryControlWhileFramesAreDrawn) {
+TEST_F(WindowFixture, EveryControlMovesItsFieldAndNothingElseWhileFramesAreDrawn) {
   qputenv("XDG_CACHE_HOME", "/dev/null"); // no pictures: the sanitizer cannot follow Qt's fork
   Open();
   std::atomic<bool> drawing = true;
@@ -30,11 +31,15 @@ TEST_F(WindowFixture, MovesEveryControlWhileFramesAreDrawn) {
       std::this_thread::yield();
     }
   });
-  const Settings before = Host::Present();
-  for (const SettingField& field : SettingFields()) {
-    Move(field);
-    QTest::qWait(20); // time for a frame before this thread takes the lock again
-    EXPECT_NE(ToText(Host::Present(), field), ToText(before, field)) << field.name;
+  for (const SettingField& moved : SettingFields()) {
+    Settings expected = Host::Present();
+    const std::string before = ToText(expected, moved);
+    Move(moved);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ToText(Host::Present(), moved) != before; }))
+        << moved.name;
+    const Settings after = Host::Present();
+    Set(expected, moved.name, ToText(after, moved));
+    EXPECT_EQ(std::memcmp(&after, &expected, sizeof after), 0) << moved.name;
   }
   EXPECT_TRUE(QTest::qWaitFor([&] { return frames > 100; }));
   Window()->close();

@@ -1,6 +1,7 @@
 #include "desktop/fetch.h"
 
 #include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
@@ -10,7 +11,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kMilliseconds = 10000;
+constexpr int kMilliseconds = 10'000;
 constexpr qint64 kLargest = 1 << 20; // bytes
 
 // A list is text, or sound by the old names that lists have.
@@ -22,24 +23,29 @@ bool IsSound(const QNetworkReply& reply) {
 
 } // namespace
 
-std::optional<QByteArray> FetchList(const QString& address, QString& problem) {
+std::optional<QByteArray> FetchList(const QString& address, const std::stop_token& stop,
+                                    QString& problem) {
   QNetworkAccessManager network;
   QNetworkRequest request{QUrl(address)};
-  request.setTransferTimeout(kMilliseconds);
   const std::unique_ptr<QNetworkReply> reply(network.get(request));
   QByteArray bytes;
   bool enough = false;
   QEventLoop loop;
   const auto take = [&] {
-    enough = IsSound(*reply);
-    if (!enough) bytes += reply->readAll();
+    bytes += reply->readAll();
+    enough = IsSound(*reply) || bytes.contains('\0');
     if (enough || bytes.size() > kLargest) reply->abort();
   };
   QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, take);
   QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-  loop.exec();
+  QTimer::singleShot(kMilliseconds, &loop, &QEventLoop::quit);
+  const std::stop_callback stopped(
+      stop, [&loop] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
+  if (!stop.stop_requested()) loop.exec();
   if (enough) return QByteArray();
-  if (bytes.size() > kLargest) {
+  if (!reply->isFinished()) {
+    problem = QStringLiteral("%1: does not answer").arg(address);
+  } else if (bytes.size() > kLargest) {
     problem = QStringLiteral("%1: is too large for a playlist").arg(address);
   } else if (reply->error() != QNetworkReply::NoError) {
     problem = QStringLiteral("%1: %2").arg(address, reply->errorString());

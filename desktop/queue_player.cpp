@@ -44,11 +44,11 @@ double MeterLevel(const RenderVisualData& record) {
 }
 
 // In the background: what is far away takes its time.
-Playlist ReadAnyPlaylist(const QString& medium) {
+Playlist ReadAnyPlaylist(const QString& medium, const std::stop_token& stop) {
   const std::string name = medium.toStdString();
-  if (!IsPlaylistAddress(name)) return ReadPlaylist(name);
+  if (!IsPlaylistAddress(name)) return ReadPlaylist(name, stop);
   QString problem;
-  const std::optional<QByteArray> bytes = FetchList(medium, problem);
+  const std::optional<QByteArray> bytes = FetchList(medium, stop, problem);
   if (!bytes) return {.entries = {}, .problems = {problem.toStdString()}};
   return ReadFetchedPlaylist(name, bytes->toStdString());
 }
@@ -59,12 +59,16 @@ QueuePlayer::QueuePlayer(SoundServer& server) : media_(*this, {}, &server) {
   lookUps_.setMaxThreadCount(1);
 }
 
+QueuePlayer::~QueuePlayer() {
+  lookUp_.request_stop();
+}
+
 // --- The queue ----------------------------------------------------------------------------------
 
-QueuePlayer::Found QueuePlayer::LookUp(const QStringList& media) {
+QueuePlayer::Found QueuePlayer::LookUp(const QStringList& media, const std::stop_token& stop) {
   Found found;
   for (const QString& name : media) {
-    Playlist list = ReadAnyPlaylist(name);
+    Playlist list = ReadAnyPlaylist(name, stop);
     for (PlaylistEntry& entry : list.entries) {
       std::string title = TitleOf(entry);
       found.entries.push_back({std::move(entry.medium), std::move(title)});
@@ -81,8 +85,9 @@ QueuePlayer::Found QueuePlayer::LookUp(const QStringList& media) {
 void QueuePlayer::Open(const QStringList& media) {
   Forget();
   lookingUp_ = true;
-  QtConcurrent::run(&lookUps_, LookUp, media).then(this, [this, stops = stops_](Found found) {
-    if (stops != stops_) return;
+  const std::stop_token stop = lookUp_.get_token();
+  QtConcurrent::run(&lookUps_, LookUp, media, stop).then(this, [this, stop](Found found) {
+    if (stop.stop_requested()) return;
     for (const std::string& problem : found.problems)
       Tell(problem);
     lookingUp_ = false;
@@ -134,7 +139,8 @@ void QueuePlayer::Stop() {
 }
 
 void QueuePlayer::Forget() {
-  ++stops_;
+  lookUp_.request_stop();
+  lookUp_ = {};
   lookingUp_ = opening_ = reconnecting_ = false;
   media_.Stop();
 }

@@ -11,6 +11,7 @@
 #include <QtCore/QThreadPool>
 
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,7 @@ class QueuePlayer final : public QObject, private MediaPlayer::Listener {
 public:
   /// `server` must outlive this object.
   explicit QueuePlayer(SoundServer& server);
+  ~QueuePlayer() override;
 
   /// Plays what these stand for (files, folders, playlists, addresses) in place of the queue. They
   /// are looked up in the background.
@@ -68,7 +70,7 @@ private:
     std::vector<QueueEntry> entries;
     std::vector<std::string> problems;
   };
-  static Found LookUp(const QStringList& media);
+  static Found LookUp(const QStringList& media, const std::stop_token& stop);
 
   void Started(const MediaTags& tags) override;
   void TagsChanged(const MediaTags& tags) override;
@@ -95,7 +97,7 @@ private:
   QThreadPool lookUps_; ///< of one thread, which keeps them in order
   unsigned entryNumber_ = 0;
   std::optional<double> length_; ///< as it was told last
-  unsigned stops_ = 0;           ///< what was looked up before the last one comes too late
+  std::stop_source lookUp_;      ///< of the last one: what was looked up before comes too late
   bool lookingUp_ = false;       ///< for `Open`
   bool opening_ = false;         ///< `Started` is still to come
   bool nextIsGiven_ = false;     ///< `Started` without `opening_` is the next entry's

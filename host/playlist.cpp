@@ -13,6 +13,7 @@
 #include <set>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace halvenor {
 
@@ -94,6 +95,7 @@ std::string NaturalKey(const fs::path& path) {
 
 class Reader {
 public:
+  explicit Reader(std::stop_token stop = {}) : stop_(std::move(stop)) {}
   void Read(const std::string& medium, const std::string& title, int depth);
   Playlist TakeResult();
 
@@ -106,6 +108,7 @@ private:
   bool Add(std::string medium, std::string title);
   void Complain(const std::string& name, const std::string& what);
 
+  const std::stop_token stop_;
   Playlist result_;
   std::set<fs::path> opened_; // lists and folders, by their canonical paths
   std::size_t left_ = 0;      // problems that were not told
@@ -143,6 +146,7 @@ void Reader::ReadFolder(const fs::path& folder) {
   std::vector<std::pair<std::string, fs::path>> files;
   std::vector<std::pair<std::string, fs::path>> folders;
   for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+    if (stop_.stop_requested()) return;
     const std::string name = at->path().filename();
     std::error_code ignored;
     if (name.starts_with('.')) continue;
@@ -187,7 +191,7 @@ void Reader::ReadList(const fs::path& file, PlaylistFormat format, const std::st
       format, bytes,
       [&](const PlaylistEntry& entry) {
         ReadEntry(file, entry, depth);
-        return !full_ && missing_ < kMostMissing;
+        return !full_ && missing_ < kMostMissing && !stop_.stop_requested();
       },
       problem);
   if (!whole) Complain(file, problem);
@@ -258,8 +262,8 @@ bool IsPlaylistName(const std::string& medium) {
   return HasEnding(medium, kListEndings);
 }
 
-Playlist ReadPlaylist(const std::string& medium) {
-  Reader reader;
+Playlist ReadPlaylist(const std::string& medium, std::stop_token stop) {
+  Reader reader(std::move(stop));
   reader.Read(medium, {}, 0);
   return reader.TakeResult();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -38,8 +39,9 @@ bool IsPlaylistName(const std::string& medium);
 /// - anything else, an address too: itself.
 ///
 /// Never asks the network. Bounded: lists beyond 64 MiB are refused. May take a second for 10^5
-/// entries. Any thread.
-Playlist ReadPlaylist(const std::string& medium);
+/// entries, and minutes for the folder of a whole machine: `stop` ends it early, with what was
+/// found until then. Any thread.
+Playlist ReadPlaylist(const std::string& medium, std::stop_token stop = {});
 
 /// Whether `medium` is the address of something that is a playlist by its name: a list that has to
 /// be fetched before it can be read.

@@ -34,6 +34,7 @@ Player::Signal Player::CurrentSignal() const {
   if (impl_->mode == Mode::Playing) {
     if (playing.IsOpening() || playing.IsReconnecting()) return Signal::Connecting;
     if (playing.IsPaused()) return Signal::Paused;
+    if (playing.IsStuck()) return Signal::Waiting;
     return playing.IsSilent() ? Signal::Silence : Signal::Sound;
   }
   switch (impl_->listening.State()) {
@@ -70,6 +71,8 @@ QString Player::StateWords() const {
     return impl_->playing.IsReconnecting() ? tr("connection lost, trying again") : tr("opening");
   case Signal::Paused:
     return tr("paused");
+  case Signal::Waiting:
+    return tr("nothing comes, waiting");
   case Signal::Silence:
     return tr("silence");
   case Signal::Ended:

@@ -107,7 +107,7 @@ bool QueuePlayer::GoTo(int index) {
 
 void QueuePlayer::OpenCurrent() {
   opening_ = true;
-  reconnecting_ = nextIsGiven_ = silent_ = false;
+  reconnecting_ = nextIsGiven_ = silent_ = stuck_ = false;
   radio_.reset();
   ++entryNumber_;
   const QueueEntry* entry = queue_.FromCurrent(0);
@@ -164,7 +164,16 @@ bool QueuePlayer::IsPaused() const {
 
 void QueuePlayer::Poll() {
   media_.Poll();
+  LookAtSilence();
   TellChange();
+}
+
+void QueuePlayer::LookAtSilence() {
+  const bool plays = !opening_ && media_.CurrentState() == MediaPlayer::State::Playing;
+  const bool silent = plays && sinceSound_.hasExpired(kSilenceMilliseconds);
+  const bool stuck = plays && sinceRecord_.hasExpired(kSilenceMilliseconds);
+  changed_ |= std::exchange(silent_, silent) != silent;
+  changed_ |= std::exchange(stuck_, stuck) != stuck;
 }
 
 // Several things that are told at once are one change, and it is told before the next sound.
@@ -182,8 +191,9 @@ void QueuePlayer::Started(const MediaTags& tags) {
     radio_.reset();
     ++entryNumber_;
   }
-  opening_ = reconnecting_ = nextIsGiven_ = silent_ = false;
+  opening_ = reconnecting_ = nextIsGiven_ = silent_ = stuck_ = false;
   sinceSound_.start();
+  sinceRecord_.start();
   tags_ = tags;
   length_ = media_.Length();
   Tell(failures_.Played());
@@ -201,9 +211,9 @@ void QueuePlayer::StreamTagsChanged(const StreamTags& tags) {
 }
 
 void QueuePlayer::Record(const RenderVisualData& record) {
+  sinceRecord_.start();
   if (HasSound(record)) sinceSound_.start();
-  const bool silent = sinceSound_.hasExpired(kSilenceMilliseconds);
-  changed_ |= std::exchange(silent_, silent) != silent;
+  LookAtSilence();
   LookAtLength();
   TellChange();
   emit RecordDue(record);
@@ -223,6 +233,7 @@ void QueuePlayer::LookAtLength() {
 
 void QueuePlayer::StateChanged(MediaPlayer::State) {
   sinceSound_.start();
+  sinceRecord_.start();
   changed_ = true;
 }
 

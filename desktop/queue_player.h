@@ -51,6 +51,9 @@ public:
   [[nodiscard]] bool IsPaused() const;
   /// Whether nothing has sounded for two seconds.
   [[nodiscard]] bool IsSilent() const { return silent_; }
+  /// Whether for two seconds nothing has come at all, not even silence: a stream that stalls, an
+  /// output that hangs.
+  [[nodiscard]] bool IsStuck() const { return stuck_; }
 
   /// A number that no other entry had that was played before.
   [[nodiscard]] unsigned EntryNumber() const { return entryNumber_; }
@@ -86,6 +89,7 @@ private:
   void OpenCurrent();
   void GoOn();
   void TellChange();
+  void LookAtSilence();
   void LookAtLength();
   void Tell(const std::optional<std::string>& line);
 
@@ -103,8 +107,10 @@ private:
   bool nextIsGiven_ = false;     ///< `Started` without `opening_` is the next entry's
   bool reconnecting_ = false;
   bool silent_ = false;
+  bool stuck_ = false;
   bool changed_ = false; ///< and not yet told
   QElapsedTimer sinceSound_;
+  QElapsedTimer sinceRecord_;
 };
 
 } // namespace halvenor

@@ -13,7 +13,7 @@ Writes its port to a file and serves GET /WAY?..., where WAY is one of
   file    FILE itself, from any place on
   whole   the same from its start, whatever is asked for
   cut     three seconds' worth of it, and the connection is cut two seconds later
-/WAY.pls is a playlist that names the way. A way "A,B" is A for the first listener and B for all after it.
+/WAY.pls is a playlist that names the way; /drip.pls never comes to its end. A way "A,B" is A for the first listener and B for all after it.
 """
 import http.server, itertools, os, socket, struct, sys, time
 
@@ -42,6 +42,9 @@ class Radio(http.server.BaseHTTPRequestHandler):
         if self.path.endswith(".pls"):
             self.send_response(200)
             self.end_headers()
+            while self.path == "/drip.pls":
+                self.wfile.write(b"\n")
+                time.sleep(0.1)
             self.wfile.write(b"[playlist]\nFile1=" + self.path[1:-4].encode() + b"\n")
             return
         ways = self.path.strip("/").split(",")

@@ -8,6 +8,7 @@
 #include <QtDBus/QDBusMessage>
 
 #include <cmath>
+#include <filesystem>
 
 namespace halvenor {
 namespace {
@@ -23,7 +24,8 @@ qlonglong Microseconds(double seconds) {
 QString AddressOf(const std::string& medium) {
   if (medium.find("://") != std::string::npos) return QString::fromStdString(medium);
   return QStringLiteral("file://") +
-         QString::fromLatin1(QByteArray::fromStdString(medium).toPercentEncoding("/"));
+         QString::fromLatin1(QByteArray::fromStdString(std::filesystem::absolute(medium).string())
+                                 .toPercentEncoding("/"));
 }
 
 // What each property of the interface is now; the position is asked for, never told.

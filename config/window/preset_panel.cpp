@@ -104,6 +104,12 @@ QLayout* PresetPanel::MakeSearch() {
   search_->setObjectName(QStringLiteral("search"));
   search_->setPlaceholderText(tr("Search presets"));
   search_->setAccessibleName(search_->placeholderText());
+  // Dark themes may leave the usual colour for this at black.
+  QPalette palette = search_->palette();
+  QColor faint = palette.color(QPalette::Text);
+  faint.setAlphaF(0.5F);
+  palette.setColor(QPalette::PlaceholderText, faint);
+  search_->setPalette(palette);
   search_->setClearButtonEnabled(true);
   connect(search_, &QLineEdit::textChanged, &filter_, &PresetFilter::SetText);
   favouritesShown_ = new QToolButton;

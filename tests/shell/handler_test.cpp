@@ -1,17 +1,14 @@
-#include "platform/clock.h"
-#include "shell/plugin_state.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 namespace halvenor {
 namespace {
 
 using testing::ElementsAre;
 
-class Handler : public stand_ins::StandInTest {
+class Handler : public ShellTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
+    ShellTest::SetUp();
     host_.Init();
     host_.requests.clear();
     PutPascal(track_.bytes + kTrackTitleOffset, "A");
@@ -21,7 +18,6 @@ protected:
     stream_.bytes[kStreamInfoSize - 1] = 1;
   }
 
-  TestHost host_;
   TrackInfo track_{};
   StreamInfo stream_{};
 };

@@ -1,36 +1,19 @@
 // Hosts that send messages from inside the plug-in's requests.
-#include "platform/clock.h"
 #include "platform/guard.h"
-#include "shell/plugin_state.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/offscreen_port.h"
-#include "tests/stand_ins/stand_in_test.h"
-
-#include <thread>
 
 namespace halvenor {
 namespace {
 
-class NestedMessages : public stand_ins::StandInTest {
+class NestedMessages : public ShellTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
+    ShellTest::SetUp();
     clock::UseStepped(1000000000);
     host_.Init();
     host_.Show(&port_, kFullScreenOption);
   }
-  void TearDown() override {
-    if (host_.refCon != nullptr) host_.Send(message::kCleanup);
-    EXPECT_FALSE(mutex.HeldByThisThread());
-    EXPECT_EQ(rendering, 0);
-    EXPECT_EQ(renderThreadExists, 0);
-    EXPECT_EQ(stand_ins::LiveContexts(), 0);
-    StandInTest::TearDown();
-  }
-  bool Draws() { return clock::Step(clock::Now() + 10000000) == clock::StepResult::Frame; }
-
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  TestHost host_;
+  static bool Draws() { return Step() == clock::StepResult::Frame; }
 };
 
 TEST_F(NestedMessages, LeavingFullScreenBringsANewWindow) {

@@ -1,8 +1,5 @@
 // The render thread under a host's hands. Runs under the thread sanitizer, too.
-#include "platform/clock.h"
-#include "shell/plugin_state.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 #include <atomic>
 #include <functional>
@@ -67,10 +64,10 @@ void AwaitFrames(std::uint64_t count) {
     std::this_thread::yield();
 }
 
-class RenderThreadTest : public stand_ins::StandInTest {
+class RenderThreadTest : public ShellTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
+    ShellTest::SetUp();
     stand_ins::SetSilent(true);
     frames = 0;
     port_.frameFinished = TakeFrame;
@@ -78,25 +75,17 @@ protected:
     host_.Record()->settings.numLines = 2;
   }
   void TearDown() override {
-    if (host_.refCon != nullptr) host_.Send(message::kCleanup);
-    EXPECT_EQ(rendering, 0);
-    EXPECT_EQ(renderThreadExists, 0);
-    EXPECT_EQ(stand_ins::LiveContexts(), 0);
+    ShellTest::TearDown();
     onFrame = {};
     creationFails = false;
     EXPECT_EQ(running, 0);
     EXPECT_LE(mostRunning, 1);
-    StandInTest::TearDown();
   }
   void ShowStepped() {
     clock::UseStepped(kFrame);
     ASSERT_EQ(host_.Show(&port_), 0);
     EXPECT_EQ(clock::WaitUntilParked(), StepResult::Frame);
   }
-  static StepResult Step() { return clock::Step(clock::Now() + kFrame); }
-
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  TestHost host_;
 };
 
 TEST_F(RenderThreadTest, DrawsOnceOnTheHostsThreadAndThenOncePerStep) {

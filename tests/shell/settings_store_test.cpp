@@ -1,6 +1,5 @@
 #include "shell/settings_store.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 namespace halvenor {
 namespace {
@@ -8,7 +7,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class SettingsStore : public stand_ins::StandInTest {
+class SettingsStore : public ShellTest {
 protected:
   // What a record holds after 'init' with this block stored.
   Settings Loaded(const Settings& stored, std::size_t size = sizeof(Settings)) {
@@ -28,8 +27,6 @@ protected:
     settings.settingsVersion = version;
     return settings;
   }
-
-  TestHost host_;
 };
 
 TEST_F(SettingsStore, AFirstRunHasTheDefaults) {

@@ -43,53 +43,45 @@ std::map<std::string, void*, std::less<>> UsualExports() {
 }
 
 struct State {
-  std::mutex mutex;
   std::string folder = HALVENOR_RESOURCES;
   std::vector<std::unique_ptr<const HalvenorUrl>> urls;
   std::map<std::string, void*, std::less<>> exports = UsualExports();
   bool loaded = false;
 };
 
-State& TheState() {
-  static State& state = *new State;
-  return state;
-}
+/// The state, locked as long as this is there.
+class Locked {
+public:
+  State* operator->() { return &state_; }
+  State& operator*() { return state_; }
 
-std::string TheFolder() {
-  const std::lock_guard lock(TheState().mutex);
-  return TheState().folder;
-}
+private:
+  static inline std::mutex& mutex_ = *new std::mutex;
+  static inline State& state_ = *new State;
+  const std::lock_guard<std::mutex> lock_{mutex_};
+};
 
 CFURLRef CopyUrl(std::string path) {
-  State& state = TheState();
-  const std::lock_guard lock(state.mutex);
   auto url = std::make_unique<const HalvenorUrl>(HalvenorUrl{std::move(path)});
-  return state.urls.emplace_back(std::move(url)).get();
+  return Locked()->urls.emplace_back(std::move(url)).get();
 }
 
 } // namespace
 
 void SetResourcesFolder(std::string path) {
-  const std::lock_guard lock(TheState().mutex);
-  TheState().folder = std::move(path);
+  Locked()->folder = std::move(path);
 }
 
 void SetExport(std::string name, void* function) {
-  const std::lock_guard lock(TheState().mutex);
-  TheState().exports[std::move(name)] = function;
+  Locked()->exports[std::move(name)] = function;
 }
 
 std::int64_t LiveReferences() {
-  const std::lock_guard lock(TheState().mutex);
-  return static_cast<std::int64_t>(TheState().urls.size());
+  return static_cast<std::int64_t>(Locked()->urls.size());
 }
 
 void ResetBundle() {
-  SetResourcesFolder(HALVENOR_RESOURCES);
-  const std::lock_guard lock(TheState().mutex);
-  TheState().urls.clear();
-  TheState().exports = UsualExports();
-  TheState().loaded = false;
+  *Locked() = State();
 }
 
 } // namespace halvenor::stand_ins
@@ -104,7 +96,8 @@ CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
 
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle) {
   if (Enter(Function::CFBundleCopyResourcesDirectoryURL) != 0 || bundle == nullptr) return nullptr;
-  return CopyUrl(TheFolder());
+  const std::string folder = Locked()->folder;
+  return CopyUrl(folder);
 }
 
 CFURLRef CFBundleCopyPrivateFrameworksURL(CFBundleRef bundle) {
@@ -112,10 +105,9 @@ CFURLRef CFBundleCopyPrivateFrameworksURL(CFBundleRef bundle) {
   return CopyUrl(kFrameworks);
 }
 
-CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef /*allocator*/, CFURLRef url,
                                                CFStringRef component, bool isDirectory) {
   if (Enter(Function::CFURLCreateCopyAppendingPathComponent) != 0 || url == nullptr) return nullptr;
-  if (allocator != kCFAllocatorDefault) ReportMisuse("an allocator that there is not");
   return CopyUrl(url->path + '/' + component + (isDirectory ? "/" : ""));
 }
 
@@ -127,18 +119,15 @@ CFBundleRef CFBundleCreate(CFAllocatorRef /*allocator*/, CFURLRef url) {
 
 bool CFBundleLoadExecutable(CFBundleRef bundle) {
   if (Enter(Function::CFBundleLoadExecutable) != 0 || bundle != &kConfiguration) return false;
-  const std::lock_guard lock(TheState().mutex);
-  TheState().loaded = true;
-  return true;
+  return Locked()->loaded = true;
 }
 
 void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
   if (Enter(Function::CFBundleGetFunctionPointerForName) != 0 || bundle != &kConfiguration)
     return nullptr;
-  State& state = TheState();
-  const std::lock_guard lock(state.mutex);
-  const auto found = state.exports.find(name);
-  return state.loaded && found != state.exports.end() ? found->second : nullptr;
+  Locked state;
+  const auto found = state->exports.find(name);
+  return state->loaded && found != state->exports.end() ? found->second : nullptr;
 }
 
 bool CFURLGetFileSystemRepresentation(CFURLRef url, bool /*resolveAgainstBase*/, uint8_t* buffer,
@@ -152,9 +141,7 @@ bool CFURLGetFileSystemRepresentation(CFURLRef url, bool /*resolveAgainstBase*/,
 
 void CFRelease(CFTypeRef reference) {
   (void)Enter(Function::CFRelease);
-  State& state = TheState();
-  const std::lock_guard lock(state.mutex);
-  const auto removed =
-      std::erase_if(state.urls, [reference](const auto& url) { return url.get() == reference; });
+  const auto removed = std::erase_if(
+      Locked()->urls, [reference](const auto& url) { return url.get() == reference; });
   if (removed == 0 && reference != nullptr) ReportMisuse("CFRelease of what is not there");
 }

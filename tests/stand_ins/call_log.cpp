@@ -89,15 +89,14 @@ std::string NumberText(double value) {
   return text;
 }
 
-void Record(Function function, Arguments arguments, std::vector<Vertex> vertices) {
+void Record(Function function, Arguments arguments) {
   std::string text = std::string(NameOf(function)) + "(";
   for (const std::string& part : arguments.parts)
     text += (text.back() == '(' ? "" : ", ") + part;
   text += ")";
   Log& log = TheLog();
   const std::lock_guard lock(log.mutex);
-  log.calls.push_back(
-      {NameOf(function), std::move(text), std::move(arguments.numbers), std::move(vertices)});
+  log.calls.push_back({NameOf(function), std::move(text), std::move(arguments.numbers)});
 }
 
 void ReportMisuse(std::string line) {

@@ -15,12 +15,6 @@
 
 namespace halvenor::stand_ins {
 
-struct Vertex {
-  float x;
-  float y;
-  bool operator==(const Vertex&) const = default;
-};
-
 /// One recorded call.
 struct Call {
   std::string_view function; ///< "glColor4f"
@@ -30,10 +24,8 @@ struct Call {
   /// strings are shown, other pointers are "null" or "pointer".
   std::string text;
   /// The arguments as they came: a number each, contexts, formats and ports by their number (0 for
-  /// null), and each integer of a list that an argument points at.
+  /// null), other pointers by their address, and each integer of a list that an argument points at.
   std::vector<double> arguments;
-  /// `glDrawArrays`: copies of the vertices it drew.
-  std::vector<Vertex> vertices;
 };
 
 /// Everything recorded since the last `ClearCalls` or `Reset`; its texts; and those of one

@@ -7,7 +7,6 @@
 #include <GL/glext.h>
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace halvenor::stand_ins {
@@ -65,16 +64,6 @@ void GlState::CheckUse(Function function) const {
   if (CurrentContextNumber() == 0) ReportGlMisuse(function, "without a current context");
   if (in_primitive && !MayBeInPrimitive(NameOf(function)))
     ReportGlMisuse(function, "between glBegin and glEnd");
-}
-
-std::vector<Vertex> GlState::DrawnVertices(GLint first, GLsizei count) const {
-  const auto* base = static_cast<const unsigned char*>(static_cast<const void*>(array));
-  std::vector<Vertex> vertices(static_cast<std::size_t>(count));
-  for (GLsizei i = 0; i < count; ++i) {
-    std::memcpy(&vertices[static_cast<std::size_t>(i)],
-                base + static_cast<std::ptrdiff_t>(first + i) * array_stride, sizeof(Vertex));
-  }
-  return vertices;
 }
 
 GLenum GlState::Do(Of<Function::glGetError>) {

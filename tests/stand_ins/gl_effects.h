@@ -44,8 +44,6 @@ class GlState {
 public:
   /// Reports what is wrong with a call of `function` at this moment.
   void CheckUse(Function function) const;
-  /// Copies of the vertices that glDrawArrays is to draw.
-  [[nodiscard]] std::vector<Vertex> DrawnVertices(GLint first, GLsizei count) const;
 
   // A function that has no overload here does nothing and gives 0.
   void Do(Of<Function::glBegin>, GLenum /*mode*/) { in_primitive = true; }
@@ -58,10 +56,6 @@ public:
     if (base != 0) live_lists.Add(-range);
   }
   GLenum Do(Of<Function::glGetError>);
-  void Do(Of<Function::glInterleavedArrays>, GLenum /*format*/, GLsizei stride, const void* first) {
-    array_stride = stride;
-    array = first;
-  }
   void Do(Of<Function::glGenTextures>, GLsizei count, GLuint* names) {
     textures.Generate(count, names);
   }
@@ -90,8 +84,6 @@ public:
   Relaxed<GLuint>& BoundProgram(GLenum target);
 
   static inline thread_local bool in_primitive = false; // between glBegin and glEnd
-  Relaxed<GLsizei> array_stride{0};
-  Relaxed<const void*> array{nullptr};
   Relaxed<GLuint> next_list{1};
   Relaxed<std::int64_t> live_lists{0};
   Names textures;

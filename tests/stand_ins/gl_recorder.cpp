@@ -80,7 +80,7 @@ void Show(Arguments& shown, char kind, T argument) {
       if (argument != nullptr)
         part = std::string("\"") + reinterpret_cast<const char*>(argument) + "\"";
     }
-    shown.Add(std::move(part), argument == nullptr ? 0.0 : 1.0);
+    shown.Add(std::move(part), static_cast<double>(reinterpret_cast<std::uintptr_t>(argument)));
   } else {
     shown.Add(ArgumentText(kind, static_cast<double>(argument)), static_cast<double>(argument));
   }
@@ -94,12 +94,7 @@ Result Serve(const char* kinds, Values... values) {
   if (Recording()) {
     Arguments shown;
     (Show(shown, *kinds++, values), ...);
-    std::vector<Vertex> vertices;
-    if constexpr (F == Function::glDrawArrays) {
-      const auto drawn = std::tuple(values...);
-      vertices = gl.DrawnVertices(std::get<1>(drawn), std::get<2>(drawn));
-    }
-    Record(F, std::move(shown), std::move(vertices));
+    Record(F, std::move(shown));
   }
   if (fault != 0) {
     InjectGlError(fault);

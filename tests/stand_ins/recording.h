@@ -67,7 +67,7 @@ struct Arguments {
 [[nodiscard]] std::string EnumerantText(GLenum value);
 
 /// Adds one call; callers ask `Recording` first. The text is "name(parts, joined)".
-void Record(Function function, Arguments arguments, std::vector<Vertex> vertices = {});
+void Record(Function function, Arguments arguments);
 
 /// Adds one line to the misuses.
 void ReportMisuse(std::string line);

@@ -228,23 +228,37 @@ TEST_F(OneDeskTest, EndsInOrder) {
   }
 }
 
-// A compositor's scale changes while the program runs: the picture's pixels are the screen's again.
-TEST(ScaledDeskTest, FollowsAScaleThatChanges) {
+// A compositor's scale changes while the program runs, and another screen has another: the
+// picture's pixels are the screen's again.
+TEST(ScaledDeskTest, FollowsTheScaleOfItsScreen) {
   const std::unique_ptr<DisplaySession> desk = DisplaySession::StartWayland(1);
+  const auto output = [&](const QString& number, const QString& rest) {
+    desk->Run("swaymsg", QStringList{"output", "HEADLESS-" + number} + rest.split(' '));
+  };
+  QFile settings(desk->Environment().value("XDG_CONFIG_HOME") + "/halvenor/halvenor.conf");
+  ASSERT_TRUE(settings.open(QFile::Append));
+  settings.write("[fullScreen]\nscreen=HEADLESS-2\n");
+  settings.close();
   Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
   const std::string area = "[show] wayland whole native ";
   ASSERT_TRUE(Eventually([&] { return program.HasStart(area); }));
   int width = 0;
   int height = 0;
   std::sscanf(program.Last(area).c_str() + area.size(), "%dx%d", &width, &height);
-  for (const int scale : {2, 1, 3}) {
-    desk->Run("swaymsg", {"output", "HEADLESS-1", "scale", QString::number(scale)});
-    const std::string size = std::to_string(width * scale) + "x" + std::to_string(height * scale);
-    EXPECT_TRUE(Eventually([&] {
-      return program.Last("[swin]").find(" " + size + " ") != std::string::npos;
-    })) << size
-        << ", not " << program.Last("[swin]");
+  const auto isWindow = [&](int scale) {
+    return program.Last("[swin]").ends_with(" " + std::to_string(width * scale) + "x" +
+                                            std::to_string(height * scale) + " options 0");
+  };
+  for (const int scale : {2, 3, 1}) {
+    output("1", "scale " + QString::number(scale));
+    EXPECT_TRUE(Eventually([&] { return isWindow(scale); })) << scale << program.Last("[swin]");
   }
+  // In full screen on the other one it comes to stay there.
+  desk->Run("swaymsg", {"create_output"});
+  output("2", "resolution 1600x1200 scale 2");
+  EXPECT_TRUE(desk->PressUntil(
+      "f", [&] { return program.Last("[swin]").ends_with(" 1600x1200 options 1"); }));
+  EXPECT_TRUE(desk->PressUntil("Escape", [&] { return isWindow(2); })) << program.Last("[swin]");
 }
 
 // Seen before the program comes to draw what the window system has made larger.

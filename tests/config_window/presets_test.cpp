@@ -15,6 +15,8 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QRadioButton>
 
+#include <ctime>
+
 namespace halvenor::test {
 namespace {
 
@@ -206,10 +208,13 @@ TEST_F(PresetsTest, OpenFastHoweverMany) {
     write(broken, "no preset at all\n");
   QElapsedTimer clock;
   clock.start();
+  const std::clock_t before = std::clock();
   Open();
   List()->grab();
+  // Of its own time: other programs may have the processor.
   constexpr int kSlowerWhenChecked = HALVENOR_CHECKED ? 10 : 1;
-  EXPECT_LT(clock.elapsed(), 1000 * kSlowerWhenChecked);
+  EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * kSlowerWhenChecked);
+  EXPECT_LT(clock.elapsed(), 20'000 * kSlowerWhenChecked);
   EXPECT_GE(List()->model()->rowCount(), kMany);
   Window()->close();
   Open();

@@ -76,7 +76,7 @@ struct MainWindow::Parts {
 QString MainWindow::KeyHelp() {
   QString text;
   for (const Commands::Help& help : Commands::KeyHelp())
-    text += QStringLiteral("%1 %2\n").arg(help.keys, -13).arg(help.text);
+    text += QStringLiteral("  %1 %2\n").arg(help.keys, -15).arg(help.text);
   return text + tr("The visualizer has every key without Ctrl first; its key h shows what it "
                    "knows.");
 }

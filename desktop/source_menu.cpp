@@ -57,7 +57,8 @@ void SourceMenu::AskOffset() {
   auto* dialog = new QInputDialog(&window_);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setWindowTitle(tr("Delay of the Sound"));
-  dialog->setLabelText(tr("How many milliseconds later than reported the sound is heard from\n%1:")
+  dialog->setLabelText(tr("How many milliseconds the picture waits for the sound of\n%1, beyond "
+                          "the delay that this reports:")
                            .arg(player_.OutputDevice()));
   dialog->setInputMode(QInputDialog::IntInput);
   dialog->setIntRange(-kLongestOffset, kLongestOffset);

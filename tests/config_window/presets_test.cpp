@@ -154,7 +154,7 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
 
   // Switching ends the autopilot, the autopilot ends switching; each with a word.
   Host::Change([](Settings& s) { s.autopilot = 1; });
-  QTest::qWait(250);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Find<QCheckBox>("autopilot")->isChecked(); }));
   byItself->click();
   EXPECT_EQ(Host::Present().autopilot, 0);
   EXPECT_TRUE(Message().contains("autopilot is off")) << qPrintable(Message());

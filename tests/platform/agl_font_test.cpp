@@ -127,12 +127,17 @@ TEST_F(FontTest, MisfitsAreRefusedWithTheirError) {
     GLint family, style, size, first, count, base;
     GLenum error;
   } const refused[] = {
-      {family, 0, 0, 0, 256, base, AGL_BAD_FONT},     {family, 0, 513, 0, 256, base, AGL_BAD_FONT},
-      {family, 1, 9, 0, 256, base, AGL_BAD_FONT},     {0, 0, 9, 0, 256, base, AGL_BAD_FONT},
-      {-1, 0, 9, 0, 256, base, AGL_BAD_FONT},         {32767, 0, 9, 0, 256, base, AGL_BAD_FONT},
-      {family, 0, 9, -1, 2, base, AGL_BAD_VALUE},     {family, 0, 9, 255, 2, base, AGL_BAD_VALUE},
-      {family, 0, 9, 0, -1, base, AGL_BAD_VALUE},     {family, 0, 9, 0, 256, 0, AGL_BAD_VALUE},
-      {family, 0, 1 << 30, 0, 9, base, AGL_BAD_FONT},
+      {family, 0, 0, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 513, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 1 << 30, 0, 256, base, AGL_BAD_FONT},
+      {family, 1, 9, 0, 256, base, AGL_BAD_FONT},
+      {0, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {-1, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {32767, 0, 9, 0, 256, base, AGL_BAD_FONT},
+      {family, 0, 9, -1, 2, base, AGL_BAD_VALUE},
+      {family, 0, 9, 255, 2, base, AGL_BAD_VALUE},
+      {family, 0, 9, 0, -1, base, AGL_BAD_VALUE},
+      {family, 0, 9, 0, 256, 0, AGL_BAD_VALUE},
   };
   for (const auto& c : refused) {
     EXPECT_FALSE(aglUseFont(context.context, c.family, c.style, c.size, c.first, c.count, c.base));

@@ -267,14 +267,6 @@ TEST_F(X11Test, AWindowMayVanishWhileItIsDrawnTo) {
   XSetErrorHandler(nullptr);
 }
 
-TEST_F(X11Test, WithoutAServerThereIsNoDisplay) {
-  port.x11DisplayName = "localhost:nowhere";
-  const TestContext context(&port);
-  EXPECT_FALSE(aglSetCurrentContext(context.context));
-  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_DISPLAY});
-  EXPECT_EQ(log.size(), 1U);
-}
-
 TEST_F(X11Test, TheHostsGlxContextIsPutBack) {
   int wanted[] = {GLX_RGBA, GLX_DOUBLEBUFFER, None};
   XVisualInfo* visual = glXChooseVisual(host.display, DefaultScreen(host.display), wanted);

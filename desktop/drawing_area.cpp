@@ -121,7 +121,7 @@ bool DrawingArea::event(QEvent* event) {
 
 void DrawingArea::exposeEvent(QExposeEvent*) {
   if (!present_) {
-    if (isExposed()) Appear();
+    if (isExposed() && handle()) Appear(); // the last word may come after the native window went
   } else {
     UpdateBounds(); // a change of scale alone says no more than this
   }

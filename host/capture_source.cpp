@@ -27,8 +27,9 @@ constexpr auto kNoSignalAfter = 2s;
 constexpr float kLeastSignal = 0.0001F; // -80 dBFS
 constexpr float kMeterDecibels = 60;
 constexpr std::size_t kMostKept = 128; // records, more than six seconds
-constexpr auto kMostLatency = 2s;      // that is believed
-constexpr int kMostDoubts = 20;        // and how often it is not, in a row
+constexpr auto kMostLatency = 2s;      // that is believed at once
+constexpr int kMostDoubts = 20;        // in a row, before the stream is opened again
+constexpr auto kReopenPause = 30s;     // if it really is that late
 
 // Half of it becomes the latency of the device: a compromise between being early enough and waking
 // the device too often.
@@ -132,7 +133,8 @@ struct CaptureSource::Impl {
   HeardClock clock;
   std::uint64_t frames = 0; // of this stream so far
   int doubts = 0;           // of its latency
-  float peak = 0;           // of the record under way
+  Clock::time_point nextReopening{};
+  float peak = 0; // of the record under way
   std::deque<Kept> kept;
   Clock::time_point lastTold{};
   Clock::time_point lastSignal{};
@@ -282,7 +284,10 @@ void CaptureSource::Impl::ReadSound() {
     }
     pa_stream_drop(stream.get());
   }
-  if (doubts > kMostDoubts) Drop();
+  if (doubts > kMostDoubts && now >= nextReopening) {
+    nextReopening = now + kReopenPause;
+    Drop();
+  }
 }
 
 void CaptureSource::Impl::Take(std::span<const float> sound) {

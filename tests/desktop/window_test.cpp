@@ -281,7 +281,7 @@ TEST_F(OneDeskTest, GoesOnWithoutSettings) {
   EXPECT_TRUE(desk->PressUntil("ctrl+t", [&] { return program.HasStart("[swin]"); }));
   EXPECT_TRUE(
       Eventually([&] { return program.HasStart("halvenor: /proc/self/halvenor/halvenor.conf"); }));
-  desk->CloseWindow();
+  EXPECT_TRUE(desk->PressUntil("alt+F4", [&] { return program.Has("[clr ]"); }));
   EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
 }
 

@@ -31,7 +31,7 @@ constexpr double kAboutToEnd = 5;    // seconds before the end
 constexpr double kLongest = 1e6;     // seconds, of what does not tell its length
 constexpr auto kServerPatience = 2s; // for the first answer of the sound server
 constexpr auto kClosePatience = 2s;  // for the device to be let go of
-constexpr auto kStall = 10s;         // without a byte
+constexpr auto kStall = 10s;         // without a byte, and without sound
 constexpr auto kRecovered = 10s;     // of radio, and the pauses are short again
 constexpr std::array kPauses{1s, 2s, 4s, 8s, 16s, 30s};
 
@@ -76,6 +76,7 @@ struct MediaPlayer::Impl {
   std::uint64_t session = 0;
   std::optional<double> beginAt; // to begin there as soon as the server is known to be there or not
   Clock::time_point begun;
+  Clock::time_point lastTold; // when a record was
   std::unique_ptr<PlayingPipeline> pipeline;
   double resumeAt = 0;     // seconds; where to go once the first sound is there
   bool started = false;    // the first sound is there
@@ -83,7 +84,8 @@ struct MediaPlayer::Impl {
   bool everPlayed = false; // the medium that was asked for
   bool seekable = true;    // unless its server refused
   bool buffering = false;
-  std::string missing; // what GStreamer lacks for this medium
+  std::optional<bool> applied; // whether the pipeline was told to play
+  std::string missing;         // what GStreamer lacks for this medium
 
   bool silent = false; // there is no device, or it has failed
   std::uint64_t serverChanges = 0;
@@ -151,6 +153,7 @@ void MediaPlayer::Impl::Leave() {
   retryAt.reset();
   next.reset();
   decodedTrack.reset();
+  applied.reset();
   started = buffering = asked = released = false;
   track = 0;
   missing.clear();
@@ -199,14 +202,13 @@ void MediaPlayer::Impl::Begin() {
   ApplyState();
 }
 
-/// With a place to go to nothing is heard before it is reached.
+/// One change at a time: GStreamer may forget to play when a pipeline that is on its way there is
+/// told to pause and to play again. So it is not sent there before the first sound is there.
 void MediaPlayer::Impl::ApplyState() {
   if (!pipeline) return;
-  if (state == State::Paused || buffering || (!started && resumeAt > 0)) {
-    pipeline->Pause();
-  } else {
-    pipeline->Play();
-  }
+  const bool plays = state == State::Playing && started && !buffering;
+  if (std::exchange(applied, plays) == plays) return;
+  plays ? pipeline->Play() : pipeline->Pause();
 }
 
 void MediaPlayer::Impl::SetState(State wanted) {
@@ -242,9 +244,10 @@ void MediaPlayer::Impl::HandleBus() {
   const std::uint64_t current = session;
   while (pipeline && session == current) {
     const Message message(pipeline->NextMessage());
-    if (!message) return;
+    if (!message) break;
     Handle(message.get());
   }
+  ApplyState();
 }
 
 void MediaPlayer::Impl::Handle(GstMessage* message) {
@@ -305,10 +308,7 @@ void MediaPlayer::Impl::HandleState(GstMessage* message) {
 /// The first sound is there.
 void MediaPlayer::Impl::Start() {
   started = true;
-  if (resumeAt > 0) {
-    pipeline->Seek(resumeAt);
-    ApplyState();
-  }
+  if (resumeAt > 0) pipeline->Seek(resumeAt);
   everPlayed = true;
   TakeNewTags();
   if (!std::exchange(tellStart, false)) return; // the device had failed
@@ -322,9 +322,7 @@ void MediaPlayer::Impl::HandleBuffering(GstMessage* message) {
   constexpr int kEnough = 100;
   int percent = 0;
   gst_message_parse_buffering(message, &percent);
-  if (buffering == (percent < kEnough)) return;
-  buffering = !buffering;
-  ApplyState();
+  buffering = percent < kEnough;
 }
 
 void MediaPlayer::Impl::TakeNewTags() {
@@ -444,6 +442,7 @@ void MediaPlayer::Impl::TellRecords(std::int64_t until) {
     if (!timed) return;
     const double age = static_cast<double>(heard - timed->time) / kSecond;
     toldUntil = std::max(0.0, position - age + kRecordSeconds);
+    lastTold = Clock::now();
     listener.Record(timed->record);
   }
 }
@@ -455,7 +454,8 @@ void MediaPlayer::Impl::WatchStream() {
   if (retryAt && now >= *retryAt) BeginSoon(IsRadio() || !seekable ? 0 : toldUntil);
   if (!pipeline || decodedTrack) return;
   if (started && now - begun > kRecovered) tries = 0;
-  if (now - std::max(begun, pipeline->LastBytes()) < kStall) return;
+  // Nothing needs to come while there is enough to play, or all of it.
+  if (now - std::max({begun, lastTold, pipeline->LastBytes()}) < kStall) return;
   if (everPlayed) {
     Lose("nothing came for 10 seconds");
   } else {

@@ -12,7 +12,7 @@ Writes its port to a file and serves GET /WAY?..., where WAY is one of
   gone    404
   file    FILE itself, from any place on
   whole   the same from its start, whatever is asked for
-  cut     three seconds' worth of it, and the connection is cut two seconds later
+  cut     six seconds' worth of it, as fast as good, and the connection is cut two seconds later
 /WAY.pls is a playlist that names the way; /drip.pls never comes to its end. A way "A,B" is A for the first listener and B for all after it.
 """
 import http.server, itertools, os, socket, struct, sys, time
@@ -79,10 +79,14 @@ class Radio(http.server.BaseHTTPRequestHandler):
             place = (begin, len(SOUND) - 1, len(SOUND))
             self.send_header("Content-Range", "bytes %d-%d/%d" % place)
         self.end_headers()
-        self.wfile.write(SOUND[begin : 3 * RATE if way == "cut" else None])
-        if way == "cut":
-            time.sleep(2)
-            self.reset()
+        if way != "cut":
+            self.wfile.write(SOUND[begin:])
+            return
+        for at in range(begin, 6 * RATE, INTERVAL):
+            self.wfile.write(SOUND[at : at + INTERVAL])
+            time.sleep(INTERVAL / RATE / 5)
+        time.sleep(2)
+        self.reset()
 
     def reset(self):  # instead of an end
         now = struct.pack("ii", 1, 0)

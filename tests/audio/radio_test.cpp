@@ -24,7 +24,7 @@ class RadioTest : public testing::Test, protected MediaPlayer::Listener {
 protected:
   void SetUp() override {
     const std::string sound = folder.Write(
-        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 4, Sine(1000)});
+        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 12, Sine(1000)});
     server = std::make_unique<ServerProcess>(
         std::vector<std::string>{"python3", HALVENOR_RADIO, sound, "16000", folder.Path("port")},
         -1);
@@ -139,13 +139,14 @@ TEST_F(RadioTest, AFileIsPlayedOnWhereItWasLost) {
   Open("cut,gone,gone,file");
   ASSERT_TRUE(Until([&] { return told.size() > 1; }));
   const double lostAt = player.Position();
-  ASSERT_TRUE(Until([&] { return told.back() == "ended"; })) << testing::PrintToString(told);
+  EXPECT_TRUE(Until([&] { return told.size() > 3; }));
   EXPECT_THAT(told, ElementsAre(HasSubstr("started"), HasSubstr("lost"), HasSubstr("404"),
-                                HasSubstr("started"), "ended"));
+                                HasSubstr("started")));
   EXPECT_NEAR(startedAt, lostAt, 0.2);
   EXPECT_GT(startedAt, 0.5);
 
-  // Where the server knows no places it begins again, once.
+  // Where the server knows no places it begins again, once. Then all of it is there long before it
+  // is heard.
   told.clear();
   Open("whole");
   ASSERT_TRUE(Until([&] { return player.CanSeek() && player.Position() > 0; }));

@@ -20,7 +20,7 @@ protected:
     setenv("PULSE_SERVER", "unix:/nowhere", 1); // NOLINT(concurrency-mt-unsafe)
     player->Media().SetMuted(true);
     const std::string sound = folder.Write(
-        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 4, Sine(1000)});
+        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 12, Sine(1000)});
     radio = std::make_unique<ServerProcess>(
         std::vector<std::string>{"python3", HALVENOR_RADIO, sound, "16000", folder.Path("port")},
         -1);

@@ -1,0 +1,291 @@
+// Compiled once for each kind of vector, and once with none (HWY_SCALAR), which the others follow.
+#include "raster/kernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "raster/kernels.cpp"
+#include <algorithm>
+#include <cstring>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace halvenor::raster::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class D, class V>
+V Times(D /*d*/, V a, V b) {
+#if HWY_TARGET == HWY_SCALAR
+  return V(static_cast<std::int16_t>((a.raw * b.raw + 16384) >> 15));
+#else
+  return hn::MulFixedPoint15(a, b);
+#endif
+}
+
+template <class D>
+auto Broadcast(D d, int value) {
+  return hn::Set(d, static_cast<std::int16_t>(value));
+}
+
+/// Calls `step(tag, i)` for blocks of `n` components and for single ones after them.
+template <class Step>
+void ForEach(int n, const Step& step) {
+  const hn::ScalableTag<std::int16_t> d;
+  const hn::CappedTag<std::int16_t, 1> single;
+  const int width = static_cast<int>(hn::Lanes(d));
+  int i = 0;
+  for (; i + width <= n; i += width)
+    step(d, i);
+  for (; i < n; ++i)
+    step(single, i);
+}
+
+void Resample(const Resampling& resampling, const Component* row, Component* out, int n) {
+  if (resampling.isIdentity) {
+    std::memcpy(out, row + resampling.first[0], static_cast<std::size_t>(n) * sizeof *out);
+    return;
+  }
+  const std::int16_t* const first = resampling.first.data();
+  const std::int16_t* const second = resampling.second.data();
+  const std::int16_t* const weight = resampling.weight.data();
+  for (int begin = 0; begin < n; begin += 8) {
+#if HWY_TARGET != HWY_SCALAR
+    const auto block = static_cast<std::size_t>(begin / 8);
+    if (resampling.blockIsNarrow[block] != 0) {
+      const hn::FixedTag<std::int16_t, 8> d;
+      const hn::FixedTag<std::uint8_t, 16> bytes;
+      const Component* const texels = row + resampling.blockStart[block];
+      const auto shuffle = hn::LoadU(bytes, &resampling.blockShuffle[16 * block]);
+      const auto a =
+          hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels)), shuffle));
+      const auto b = hn::BitCast(
+          d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels + 1)), shuffle));
+      hn::StoreU(hn::Add(a, Times(d, hn::Sub(b, a), hn::LoadU(d, weight + begin))), d, out + begin);
+      continue;
+    }
+#endif
+    const int end = std::min(begin + 8, n);
+    for (int i = begin; i < end; ++i) {
+      const int a = row[first[i]];
+      out[i] = static_cast<Component>(a + (((row[second[i]] - a) * weight[i] + 16384) >> 15));
+    }
+  }
+}
+
+void Mix(const Component* a, const Component* b, int weight, Component* out, int n) {
+  ForEach(n, [=](auto d, int i) {
+    const auto from = hn::LoadU(d, a + i);
+    const auto way = Times(d, hn::Sub(hn::LoadU(d, b + i), from), Broadcast(d, weight));
+    hn::StoreU(hn::Add(from, way), d, out + i);
+  });
+}
+
+void Put(const Component* a, const Component* b, int factorA, int factorB, int loss, bool adds,
+         Component* target, int n) {
+  const auto sum = [=](auto d, int i) {
+    const auto all = hn::SaturatedAdd(Times(d, hn::LoadU(d, a + i), Broadcast(d, factorA)),
+                                      Times(d, hn::LoadU(d, b + i), Broadcast(d, factorB)));
+    return hn::Max(hn::Sub(all, Broadcast(d, loss)), hn::Zero(d));
+  };
+  if (adds) {
+    ForEach(n, [=](auto d, int i) {
+      hn::StoreU(hn::SaturatedAdd(hn::LoadU(d, target + i), sum(d, i)), d, target + i);
+    });
+  } else {
+    ForEach(n, [=](auto d, int i) { hn::StoreU(sum(d, i), d, target + i); });
+  }
+}
+
+void Fade(int keep, int add, Component* target, int n) {
+  ForEach(n, [=](auto d, int i) {
+    const auto kept = Times(d, hn::LoadU(d, target + i), Broadcast(d, keep));
+    hn::StoreU(hn::SaturatedAdd(kept, Broadcast(d, add)), d, target + i);
+  });
+}
+
+void Accumulate(const Component* a, int factor, Component* target, int n) {
+  ForEach(n, [=](auto d, int i) {
+    const auto part = Times(d, hn::LoadU(d, a + i), Broadcast(d, factor));
+    hn::StoreU(hn::SaturatedAdd(hn::LoadU(d, target + i), part), d, target + i);
+  });
+}
+
+void Screen(const Component* a, Component* target, int n) {
+  ForEach(n, [=](auto d, int i) {
+    const auto source = hn::LoadU(d, a + i);
+    const auto before = hn::LoadU(d, target + i);
+    const auto kept = hn::Sub(before, Times(d, before, source));
+    hn::StoreU(hn::SaturatedAdd(kept, source), d, target + i);
+  });
+}
+
+void ApplyPolynomial(const int* p, Component* target, int n) {
+  const int p0 = p[0];
+  const int p1 = p[1];
+  const int p2 = p[2];
+  const int p3 = p[3];
+  ForEach(n, [=](auto d, int i) {
+    const auto x = hn::LoadU(d, target + i);
+    auto y = Broadcast(d, p3);
+    if (p3 != 0) y = Times(d, x, y);
+    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p2)));
+    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p1)));
+    hn::StoreU(hn::SaturatedAdd(y, Broadcast(d, p0)), d, target + i);
+  });
+}
+
+void Filter(const Component* const* rows, const int* factors, int count, Component* target, int n) {
+  ForEach(n, [=](auto d, int i) {
+    auto sum = Times(d, hn::LoadU(d, rows[0] + i), Broadcast(d, factors[0]));
+    for (int k = 1; k < count; ++k)
+      sum = hn::SaturatedAdd(sum, Times(d, hn::LoadU(d, rows[k] + i), Broadcast(d, factors[k])));
+    hn::StoreU(sum, d, target + i);
+  });
+}
+
+void Shade(std::int32_t color, std::int32_t slope, Component* target, int n) {
+  int i = 0;
+#if HWY_TARGET != HWY_SCALAR
+  const hn::ScalableTag<std::int32_t> d;
+  const hn::Rebind<std::int16_t, decltype(d)> d16;
+  const int width = static_cast<int>(hn::Lanes(d));
+  auto value = hn::Add(hn::Set(d, color), hn::Mul(hn::Iota(d, 0), hn::Set(d, slope)));
+  const auto step = hn::Set(d, static_cast<std::int32_t>(static_cast<std::uint32_t>(slope) *
+                                                         static_cast<std::uint32_t>(width)));
+  for (; i + width <= n; i += width) {
+    const auto add = hn::DemoteTo(d16, hn::ShiftRight<15>(value));
+    hn::StoreU(hn::SaturatedAdd(hn::LoadU(d16, target + i), add), d16, target + i);
+    value = hn::Add(value, step);
+  }
+#endif
+  for (; i < n; ++i) {
+    const auto single = static_cast<std::int32_t>(static_cast<std::uint32_t>(color) +
+                                                  static_cast<std::uint32_t>(slope) *
+                                                      static_cast<std::uint32_t>(i));
+    target[i] = static_cast<Component>(std::min(target[i] + (single >> 15), kOne));
+  }
+}
+
+void ShadeColumns(const Sheet& sheet, int y, Component* const* planes) {
+  const int blocks = static_cast<int>(sheet.blockFirst.size());
+  for (int block = 0; block < blocks; ++block) {
+    const auto number = static_cast<std::size_t>(block);
+    if (y < sheet.blockFirst[number] || y >= sheet.blockEnd[number]) continue;
+    const int begin = block * Sheet::kBlock;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::CappedTag<std::int32_t, Sheet::kBlock> d;
+    const hn::Rebind<std::int16_t, decltype(d)> d16;
+    const auto row = hn::Set(d, y);
+    for (int x = begin; x < begin + Sheet::kBlock; x += static_cast<int>(hn::Lanes(d))) {
+      const auto isIn = hn::AndNot(hn::Lt(row, hn::LoadU(d, sheet.first.data() + x)),
+                                   hn::Lt(row, hn::LoadU(d, sheet.end.data() + x)));
+      for (std::size_t plane = 0; plane < 3; ++plane) {
+        const auto color = hn::LoadU(d, sheet.color[plane].data() + x);
+        const auto slope = hn::LoadU(d, sheet.slope[plane].data() + x);
+        const auto value = hn::ShiftRight<15>(hn::Add(color, hn::Mul(slope, row)));
+        const auto add = hn::DemoteTo(d16, hn::IfThenElseZero(isIn, value));
+        Component* const place = planes[plane] + x;
+        hn::StoreU(hn::SaturatedAdd(hn::LoadU(d16, place), add), d16, place);
+      }
+    }
+#else
+    for (int x = begin; x < begin + Sheet::kBlock; ++x) {
+      const auto column = static_cast<std::size_t>(x);
+      if (y < sheet.first[column] || y >= sheet.end[column]) continue;
+      for (std::size_t plane = 0; plane < 3; ++plane) {
+        const auto value = static_cast<std::int32_t>(
+            static_cast<std::uint32_t>(sheet.color[plane][column]) +
+            static_cast<std::uint32_t>(sheet.slope[plane][column]) * static_cast<std::uint32_t>(y));
+        Component& place = planes[plane][x];
+        place = static_cast<Component>(std::min(place + (value >> 15), kOne));
+      }
+    }
+#endif
+  }
+}
+
+void ToBytes(const Component* const* planes, bool swaps, std::uint8_t* bytes, int n) {
+  const Component* const first = planes[swaps ? 2 : 0];
+  const Component* const second = planes[1];
+  const Component* const third = planes[swaps ? 0 : 2];
+  const Component* const alpha = planes[3];
+  int i = 0;
+#if HWY_TARGET != HWY_SCALAR
+  const hn::ScalableTag<std::uint8_t> d8;
+  const hn::Half<decltype(d8)> half8;
+  const hn::ScalableTag<std::int16_t> d16;
+  const int width = static_cast<int>(hn::Lanes(half8));
+  const auto convert = [=](const Component* row, int at) {
+    return hn::DemoteTo(half8, Times(d16, hn::LoadU(d16, row + at), Broadcast(d16, 255)));
+  };
+  for (; i + width <= n; i += width) {
+    const auto a = alpha != nullptr ? convert(alpha, i) : hn::Set(half8, 255);
+    hn::StoreInterleaved4(convert(first, i), convert(second, i), convert(third, i), a, half8,
+                          bytes + 4 * i);
+  }
+#endif
+  const auto convert1 = [](Component value) {
+    return static_cast<std::uint8_t>((value * 255 + 16384) >> 15);
+  };
+  for (; i < n; ++i) {
+    bytes[4 * i] = convert1(first[i]);
+    bytes[4 * i + 1] = convert1(second[i]);
+    bytes[4 * i + 2] = convert1(third[i]);
+    bytes[4 * i + 3] = alpha != nullptr ? convert1(alpha[i]) : std::uint8_t{255};
+  }
+}
+
+const Kernels* Table() {
+  static constexpr Kernels kTable = {
+      Resample,        Mix,    Put,   Fade,         Accumulate, Screen,
+      ApplyPolynomial, Filter, Shade, ShadeColumns, ToBytes};
+  return &kTable;
+}
+
+} // namespace halvenor::raster::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+namespace halvenor::raster {
+namespace {
+
+HWY_EXPORT(Table);
+
+std::vector<std::int64_t> Targets() {
+  std::vector<std::int64_t> targets;
+  hwy::SetSupportedTargetsForTest(0);
+  for (std::int64_t left = hwy::SupportedTargets() & HWY_TARGETS; left != 0; left &= left - 1)
+    targets.push_back(left & -left);
+  return targets;
+}
+
+std::atomic<const Kernels*> chosen = nullptr;
+
+} // namespace
+
+const Kernels& GetKernels() {
+  const Kernels* kernels = chosen.load(std::memory_order_acquire);
+  if (kernels == nullptr) {
+    kernels = HWY_DYNAMIC_DISPATCH(Table)();
+    chosen.store(kernels, std::memory_order_release);
+  }
+  return *kernels;
+}
+
+int NumKernels() {
+  return static_cast<int>(Targets().size());
+}
+
+void UseKernels(int number) {
+  hwy::SetSupportedTargetsForTest(Targets()[static_cast<std::size_t>(number)]);
+  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+  chosen.store(HWY_DYNAMIC_DISPATCH(Table)(), std::memory_order_release);
+  hwy::SetSupportedTargetsForTest(0);
+}
+
+} // namespace halvenor::raster
+#endif

@@ -1,0 +1,147 @@
+// Errors as OpenGL has them.
+#include "raster/context.h"
+
+#include <GL/glext.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+
+namespace halvenor::raster {
+namespace {
+
+using gl_calls::Table;
+
+struct Case {
+  const char* name;
+  GLenum error;
+  std::function<void(const Table&)> call;
+};
+
+constexpr char kWrongText[] = "!!ARBfp1.0\nNONSENSE;\nEND\n";
+const GLuint kNone = 0;
+
+const Case kCases[] = {
+    {"begin with no mode", GL_INVALID_ENUM, [](const Table& gl) { gl.glBegin(GL_POLYGON + 1); }},
+    {"end alone", GL_INVALID_OPERATION, [](const Table& gl) { gl.glEnd(); }},
+    {"state inside", GL_INVALID_OPERATION,
+     [](const Table& gl) {
+       gl.glBegin(GL_LINES);
+       gl.glEnable(GL_BLEND);
+       gl.glEnd();
+     }},
+    {"vertices inside", GL_NO_ERROR,
+     [](const Table& gl) {
+       gl.glBegin(GL_LINES);
+       gl.glColor4f(1, 1, 1, 1);
+       gl.glVertex2f(0, 0);
+       gl.glEnd();
+     }},
+    {"unknown switch", GL_INVALID_ENUM, [](const Table& gl) { gl.glEnable(0x1234); }},
+    {"unknown factor", GL_INVALID_ENUM, [](const Table& gl) { gl.glBlendFunc(GL_ONE, 0x1234); }},
+    {"pop the last", GL_STACK_UNDERFLOW, [](const Table& gl) { gl.glPopMatrix(); }},
+    {"push too many", GL_STACK_OVERFLOW,
+     [](const Table& gl) {
+       for (int i = 0; i < 32; ++i)
+         gl.glPushMatrix();
+     }},
+    {"viewport inside out", GL_INVALID_VALUE, [](const Table& gl) { gl.glViewport(0, 0, -1, 1); }},
+    {"clear of nothing known", GL_INVALID_VALUE, [](const Table& gl) { gl.glClear(1); }},
+    {"alignment of three", GL_INVALID_VALUE,
+     [](const Table& gl) { gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 3); }},
+    {"negative count of names", GL_INVALID_VALUE,
+     [](const Table& gl) { gl.glDeleteTextures(-1, &kNone); }},
+    {"negative count of lists", GL_INVALID_VALUE, [](const Table& gl) { gl.glGenLists(-1); }},
+    {"negative count of vertices", GL_INVALID_VALUE,
+     [](const Table& gl) { gl.glDrawArrays(GL_LINES, 0, -1); }},
+    {"too large a texture", GL_INVALID_VALUE,
+     [](const Table& gl) {
+       gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 16385, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
+     }},
+    {"texture of another kind", GL_INVALID_ENUM,
+     [](const Table& gl) { gl.glBindTexture(0x1234, 1); }},
+    {"wrong program text", GL_INVALID_OPERATION,
+     [](const Table& gl) {
+       gl.glProgramStringARB(GL_FRAGMENT_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB,
+                             sizeof kWrongText - 1, kWrongText);
+     }},
+    {"program of another target", GL_INVALID_OPERATION,
+     [](const Table& gl) {
+       gl.glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 7);
+       gl.glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 7);
+     }},
+    {"parameter beyond the last", GL_INVALID_VALUE,
+     [](const Table& gl) {
+       gl.glProgramLocalParameter4fARB(GL_VERTEX_PROGRAM_ARB, 96, 0, 0, 0, 0);
+     }},
+    {"drawing without a program", GL_INVALID_OPERATION,
+     [](const Table& gl) {
+       gl.glEnable(GL_FRAGMENT_PROGRAM_ARB);
+       gl.glBegin(GL_TRIANGLE_STRIP);
+       for (const auto& [x, y] : {std::pair(-1, -1), {1, -1}, {-1, 1}, {1, 1}})
+         gl.glVertex2f(static_cast<float>(x), static_cast<float>(y));
+       gl.glEnd();
+     }},
+};
+
+TEST(Calls, SetTheErrorsOfOpenGL) {
+  const Table& gl = Context::Functions();
+  for (const Case& test : kCases) {
+    SCOPED_TRACE(test.name);
+    Context context;
+    Context::MakeCurrent(&context);
+    const Target target = Target::Make(4, 4);
+    context.Bind(target);
+    gl.glViewport(0, 0, 4, 4);
+    test.call(gl);
+    EXPECT_EQ(gl.glGetError(), test.error);
+    EXPECT_EQ(gl.glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  }
+}
+
+TEST(Calls, WithoutAContextDoNothing) {
+  Context::MakeCurrent(nullptr);
+  const Table& gl = Context::Functions();
+  gl.glBegin(GL_LINES);
+  EXPECT_EQ(gl.glGenLists(3), 0U);
+  EXPECT_EQ(gl.glGetString(GL_VERSION), nullptr);
+}
+
+TEST(Calls, TextBeginsOnlyInsideTheView) {
+  Context context;
+  Context::MakeCurrent(&context);
+  const Target target = Target::Make(8, 8);
+  context.Bind(target);
+  const Table& gl = Context::Functions();
+  gl.glViewport(0, 0, 8, 8);
+  const std::uint8_t row = 0xA0;
+  const GLuint list = gl.glGenLists(1);
+  context.DefineBitmapList(list, {3, 1, 0, 0, 4, 0, &row});
+  gl.glRasterPos3f(-1, -1, 0);
+  gl.glCallList(list);
+  gl.glCallList(list);
+  gl.glRasterPos3f(-1.1F, 0, 0); // outside: the two after it draw nothing
+  gl.glCallList(list);
+  std::array<std::uint8_t, std::size_t{4} * 8 * 8> pixels{};
+  Destination to;
+  to.width = to.height = 8;
+  to.topRow = pixels.data();
+  to.stride = 32;
+  ASSERT_TRUE(context.Finish(target, to));
+  for (std::size_t i = 0; i < 64; ++i) {
+    const bool isSet = i == 56 || i == 58 || i == 60 || i == 62;
+    EXPECT_EQ(pixels[4 * i], isSet ? 255 : 0) << i;
+  }
+}
+
+TEST(Targets, OfSizesThatCannotBeAreEmpty) {
+  for (const auto& [width, height] : {std::pair(0, 1), {1, -1}, {16385, 1}, {1, 1 << 30}})
+    EXPECT_FALSE(Target::Make(width, height));
+  Context context;
+  Context::MakeCurrent(&context);
+  EXPECT_FALSE(context.ShowInBoundTexture(Target::Make(4, 4))); // no texture bound
+  EXPECT_FALSE(context.Finish(Target(), {}));
+}
+
+} // namespace
+} // namespace halvenor::raster

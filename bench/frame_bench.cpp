@@ -135,6 +135,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: halvenor-frame-bench [FRAMES]\n");
     return 1;
   }
+  halvenor::bench::GlTape::InterceptCalls();
   std::printf("medians, ms: %35s  %30s\n  at    calls  %10s %10s %8s  %10s %10s %8s\n",
               "time that passed", "processor time of all threads", "frame", "driver", "ratio",
               "frame", "driver", "ratio");

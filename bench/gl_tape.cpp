@@ -1,23 +1,20 @@
 #include "bench/gl_tape.h"
 
-#include "bench/gl_definitions.h"
+#include "gl_calls/current_table.h"
 
 #include <atomic>
 #include <cstring>
 #include <ctime>
-#include <dlfcn.h>
+#include <tuple>
 #include <type_traits>
 
 namespace halvenor::bench {
 namespace {
 
+using gl_calls::Function;
+
 std::atomic<GlTape*> recording = nullptr;
-
-#define HALVENOR_GL_ENUMERATOR(arity, name, kinds) name,
-enum class Function : std::size_t { HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_ENUMERATOR) };
-
-#define HALVENOR_GL_NAME(arity, name, kinds) #name,
-constexpr const char* kNames[] = {HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_NAME)};
+const gl_calls::Table* driver = nullptr;
 
 // What ends one part of a frame and begins another.
 constexpr struct {
@@ -36,27 +33,6 @@ constexpr struct {
     {Part::Composite, Function::glDisable, GL_VERTEX_PROGRAM_ARB, Part::Texts},
 };
 
-// The driver's function behind the one of that name here.
-template <Function F, class Result, class... Arguments>
-struct Driver {
-  static inline const auto call = reinterpret_cast<Result (*)(Arguments...)>(
-      dlsym(RTLD_NEXT, kNames[static_cast<std::size_t>(F)]));
-};
-
-template <Function F, class Result, class... Arguments>
-void Record(GlTape& tape, Arguments... arguments) {
-  using Values = std::tuple<Arguments...>;
-  if constexpr (sizeof...(Arguments) > 0) {
-    const auto first = std::get<0>(Values(arguments...));
-    if constexpr (std::is_same_v<decltype(first), const GLenum>)
-      tape.Enter(static_cast<std::size_t>(F), first);
-  }
-  Values values(arguments...);
-  if constexpr (F == Function::glInterleavedArrays)
-    std::get<2>(values) = tape.Keep(std::get<2>(values));
-  tape.Add([values] { std::apply(Driver<F, Result, Arguments...>::call, values); });
-}
-
 // What a steady frame consists of. Pixel storage is the affair of the read-back, which the driver
 // alone does without; what else goes by pointer asks, or sets up.
 template <Function F, class... Arguments>
@@ -64,13 +40,45 @@ constexpr bool kIsOfFrame = F == Function::glInterleavedArrays ||
                             (F != Function::glPixelStorei &&
                              !(std::is_pointer_v<Arguments> || ...));
 
+// The driver's function, which the tape takes down while it records.
+template <Function F, class Signature>
+struct Taped;
 template <Function F, class Result, class... Arguments>
-Result Serve(const char* /*kinds*/, Arguments... arguments) {
-  if constexpr (kIsOfFrame<F, Arguments...>) {
-    if (GlTape* const tape = recording.load(std::memory_order_relaxed))
-      Record<F, Result>(*tape, arguments...);
+struct Taped<F, Result(Arguments...)> {
+  static Result Call(Arguments... arguments) {
+    if constexpr (kIsOfFrame<F, Arguments...>) {
+      if (GlTape* const tape = recording.load(std::memory_order_relaxed))
+        Record(*tape, arguments...);
+    }
+    return OfDriver()(arguments...);
   }
-  return Driver<F, Result, Arguments...>::call(arguments...);
+
+private:
+  static auto OfDriver() { return gl_calls::Member<F>(*driver); }
+
+  static void Record(GlTape& tape, Arguments... arguments) {
+    std::tuple<Arguments...> values(arguments...);
+    if constexpr (sizeof...(Arguments) > 0) {
+      if constexpr (std::is_same_v<std::tuple_element_t<0, std::tuple<Arguments...>>, GLenum>)
+        tape.Enter(F, std::get<0>(values));
+    }
+    if constexpr (F == Function::glInterleavedArrays)
+      std::get<2>(values) = tape.Keep(std::get<2>(values));
+    tape.Add([values] { std::apply(OfDriver(), values); });
+  }
+};
+
+constexpr gl_calls::Table kTaped = gl_calls::MakeTable<Taped>();
+
+const gl_calls::Table* Intercept(const gl_calls::Table* table) {
+  driver = table;
+  return &kTaped;
+}
+
+GLuint BoundFrameBuffer() {
+  GLint bound = 0;
+  driver->glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &bound);
+  return static_cast<GLuint>(bound);
 }
 
 } // namespace
@@ -95,9 +103,14 @@ private:
   const GlTape& tape_;
 };
 
+void GlTape::InterceptCalls() {
+  gl_calls::SetInterceptor(Intercept);
+}
+
 void GlTape::Start() {
   calls_.clear();
   part_ = Part::Feedback;
+  frame_buffer_ = 0;
   recording = this;
 }
 
@@ -110,12 +123,17 @@ void GlTape::Add(std::function<void()> play) {
     display_ = eglGetCurrentDisplay();
     context_ = eglGetCurrentContext();
   }
+  // The platform layer chooses what is drawn into, past the table.
+  if (const GLuint bound = BoundFrameBuffer(); calls_.empty() || bound != frame_buffer_) {
+    frame_buffer_ = bound;
+    calls_.push_back({[bound] { glBindFramebuffer(GL_FRAMEBUFFER, bound); }, part_});
+  }
   calls_.push_back({std::move(play), part_});
 }
 
-void GlTape::Enter(std::size_t function, unsigned name) {
+void GlTape::Enter(Function function, unsigned name) {
   for (const auto& turn : kTurns) {
-    if (turn.from != part_ || static_cast<std::size_t>(turn.function) != function) continue;
+    if (turn.from != part_ || turn.function != function) continue;
     if (turn.name != 0 && turn.name != name) continue;
     part_ = turn.to;
     return;
@@ -167,6 +185,3 @@ const Spectrum::Vertex* GlTape::Keep(const void* vertices) {
 }
 
 } // namespace halvenor::bench
-
-#define HALVENOR_GL_HERE halvenor::bench
-HALVENOR_BENCH_FUNCTIONS(HALVENOR_GL_DEFINE)

@@ -1,6 +1,7 @@
 // Plays back the OpenGL calls of one frame, to see what the driver alone takes for it.
 #pragma once
 
+#include "gl_calls/gl_table.h"
 #include "scene/spectrum.h"
 
 #include <EGL/egl.h>
@@ -22,14 +23,16 @@ double ProcessorMilliseconds();
 /// Processor time of each part, in milliseconds.
 using PartTimes = std::array<double, kPartNames.size()>;
 
-/// The calls of a frame and the context that they were made on. A program that links this defines
-/// the OpenGL functions that the plug-in uses: they go on to the driver and, while a tape records,
-/// onto the tape.
+/// The calls of a frame and the context that they were made on.
 ///
 /// One tape records at a time. Start and stop while no frame is being drawn; the frame itself may
 /// be drawn on any thread.
 class GlTape {
 public:
+  /// From now on the plug-in's calls pass by the tapes on their way to the driver. To be called
+  /// once, before there is a context.
+  static void InterceptCalls();
+
   void Start();
   void Stop();
 
@@ -47,7 +50,7 @@ public:
   /// Adds one call. The vertices are copied: the plug-in will have others by then.
   void Add(std::function<void()> play);
   /// Has the part that `function`, with a first argument of `name`, begins begin.
-  void Enter(std::size_t function, unsigned name);
+  void Enter(gl_calls::Function function, unsigned name);
   const Spectrum::Vertex* Keep(const void* vertices);
 
 private:
@@ -59,6 +62,7 @@ private:
 
   std::vector<Call> calls_;
   Part part_ = Part::Feedback;
+  GLuint frame_buffer_ = 0; ///< bound for the call recorded last
   EGLDisplay display_ = EGL_NO_DISPLAY;
   EGLContext context_ = EGL_NO_CONTEXT;
   std::array<Spectrum::Vertex, std::size_t{2} * Spectrum::kVerticesPerChannel> vertices_{};

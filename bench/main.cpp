@@ -1,6 +1,8 @@
 // Runs the benchmarks of the plug-in's own work, each repetition among those of the two reference
 // loops, and prints medians: their ratio to the loops says more than the time does of one machine.
+#include "bench/quiet_gl.h"
 #include "protocol/render_visual_data.h"
+#include "tests/stand_ins/call_log.h"
 
 #include <benchmark/benchmark.h>
 
@@ -105,6 +107,8 @@ private:
 };
 
 int Main(int argc, char** argv) {
+  stand_ins::SetSilent(true);
+  UseQuietGl();
   // Defaults that the command line may change.
   char repetitions[] = "--benchmark_repetitions=15";
   char interleaving[] = "--benchmark_enable_random_interleaving=true";

@@ -1,12 +1,13 @@
 #include "desktop/command_line.h"
 
-#include "desktop/control_commands.h"
-#include "desktop/main_window.h"
-#include "desktop/media_arguments.h"
+#include "audio/sound_server.h"
+#include "desktop/media_names.h"
 #include "desktop/messages.h"
+#include "desktop/remote/control_commands.h"
 #include "desktop/shown_text.h"
+#include "desktop/window/main_window.h"
 #include "host/install_paths.h"
-#include "host/sound_server.h"
+#include "platform/gl_choice.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -25,41 +26,55 @@ const QString kDefaultSource = QStringLiteral("default");
 const QString kHelp = QStringLiteral("help");
 const QString kVersion = QStringLiteral("version");
 const QString kDemo = QStringLiteral("demo");
+const QString kGl = QStringLiteral("gl");
 const QString kListSources = QStringLiteral("list-sources");
 const QString kPlugin = QStringLiteral("plugin");
 const QString kSource = QStringLiteral("source");
+const QString kVerbose = QStringLiteral("verbose");
+
+struct CommandLine {
+  Q_DECLARE_TR_FUNCTIONS(halvenor::CommandLine)
+};
 
 void Describe(QCommandLineParser& parser) {
-  parser.setApplicationDescription(QStringLiteral(
-      "Shows sound as a moving picture: what the computer plays, or sound files, folders,\n"
-      "playlists and internet radio, which it plays itself."));
-  parser.addOption({{QStringLiteral("h"), kHelp}, QStringLiteral("Shows this help.")});
-  parser.addOption({{QStringLiteral("v"), kVersion}, QStringLiteral("Shows the version.")});
+  parser.setApplicationDescription(
+      CommandLine::tr("Shows music as a moving picture: what the computer plays, or audio files,\n"
+                      "folders, playlists and internet radio, which it plays itself."));
+  parser.addOption({{QStringLiteral("h"), kHelp}, CommandLine::tr("Show this help.")});
+  parser.addOption({{QStringLiteral("v"), kVersion}, CommandLine::tr("Show the version.")});
   parser.addOption({kSource,
-                    QStringLiteral("Listens to that source, now and on later starts; \"default\" "
-                                   "follows the default output again."),
+                    CommandLine::tr("Listen to this source, now and on later starts; \"default\" "
+                                    "follows the default output again."),
                     QStringLiteral("NAME")});
-  parser.addOption({kListSources, QStringLiteral("Lists the sources that can be listened to. What "
-                                                 "the default output plays is marked with *.")});
-  parser.addOption({kDemo, QStringLiteral("Plays the built-in tune.")});
+  parser.addOption(
+      {kListSources, CommandLine::tr("List the sources that can be listened to. The default "
+                                     "output is marked with *.")});
+  parser.addOption({kDemo, CommandLine::tr("Play the built-in tune.")});
+  parser.addOption({kGl,
+                    CommandLine::tr("Who draws: \"cpu\", this program on the processor, or "
+                                    "\"driver\", the installed OpenGL driver."),
+                    QStringLiteral("cpu|driver")});
   parser.addOption({kPlugin,
-                    QStringLiteral("The visualizer to show instead of the installed one: a bundle "
-                                   "or a module."),
+                    CommandLine::tr("Show this visualizer, a bundle or a module, instead of the "
+                                    "installed one."),
                     QStringLiteral("PATH")});
+  parser.addOption(
+      {kVerbose, QStringLiteral("Shows everything that the visualizer logs, not only errors.")});
   parser.addOption({QStringLiteral("control"),
-                    QStringLiteral("Tells the running program to do something (see below). Has to "
-                                   "be the first option."),
+                    CommandLine::tr("Send a command to the running program (see below). Must be "
+                                    "the first option."),
                     QStringLiteral("COMMAND")});
   parser.addPositionalArgument(
       QStringLiteral("FILE"),
-      QStringLiteral("Sound files, folders, playlists or addresses to play, one after the other. "
-                     "Without any, it listens to what the computer plays."),
+      CommandLine::tr("Audio files, folders, playlists or addresses to play, one after the other. "
+                      "Without any, the program listens to what the computer plays."),
       QStringLiteral("[FILE...]"));
 }
 
 int ShowHelp(const QCommandLineParser& parser) {
-  const QString text = parser.helpText() + QStringLiteral("\nKeys:\n") + MainWindow::KeyHelp() +
-                       QStringLiteral("\n\nCommands of --control:\n") + ControlHelp();
+  const QString text = parser.helpText() + '\n' + CommandLine::tr("Keys:") + '\n' +
+                       MainWindow::KeyHelp() + QStringLiteral("\n\n") +
+                       CommandLine::tr("Commands of --control:") + '\n' + ControlHelp();
   std::fputs(text.toLocal8Bit().constData(), stdout);
   return EXIT_SUCCESS;
 }
@@ -83,7 +98,8 @@ int ListSources() {
     const bool isMicrophone = source.kind == SoundSource::Kind::Microphone;
     std::printf("%s %-*s  %s%s\n", source.isDefault && !isMicrophone ? "*" : " ",
                 static_cast<int>(column), source.name.c_str(),
-                qPrintable(ShownLine(source.description)), isMicrophone ? " (microphone)" : "");
+                qPrintable(ShownLine(source.description)),
+                isMicrophone ? qPrintable(CommandLine::tr(" (microphone)")) : "");
   }
   return EXIT_SUCCESS;
 }
@@ -98,8 +114,8 @@ int Refuse(const QString& line) {
   return EXIT_FAILURE;
 }
 
-// Of several media some may be missing: the player tells of them. Where all are, nothing is shown.
-bool TellsThatAllAreMissing(const QStringList& media) {
+// If only some media are missing, the player reports them. If all are, no window opens.
+bool ReportsThatAllAreMissing(const QStringList& media) {
   QStringList faults;
   for (const QString& medium : media)
     faults.append(ObviousFault(medium));
@@ -150,24 +166,32 @@ std::optional<StartOptions> ReadCommandLine(int& exitStatus) {
     return std::nullopt;
   };
   if (!parser.parse(QCoreApplication::arguments())) {
-    return end(Refuse(parser.errorText() + QStringLiteral(" (see --help)")));
+    return end(Refuse(CommandLine::tr("%1 (see --help)").arg(parser.errorText())));
   }
   if (parser.isSet(kHelp)) return end(ShowHelp(parser));
   if (parser.isSet(kVersion)) return end(ShowVersion());
   if (parser.isSet(kListSources)) return end(ListSources());
   if (parser.isSet(QStringLiteral("control")))
-    return end(Refuse(QStringLiteral("--control has to be the first option")));
+    return end(Refuse(CommandLine::tr("--control must be the first option")));
 
-  StartOptions options{InstalledPluginPath(), parser.positionalArguments(), std::nullopt};
+  StartOptions options{InstalledPluginPath(), parser.positionalArguments(), std::nullopt,
+                       parser.isSet(kVerbose)};
   if (parser.isSet(kPlugin)) options.plugin = parser.value(kPlugin).toStdString();
+  if (parser.isSet(kGl)) {
+    const auto choice = GlChoiceFrom(parser.value(kGl).toStdString());
+    if (!choice) return end(Refuse(CommandLine::tr("--gl must be cpu or driver")));
+    ChooseGl(*choice);
+  }
   if (parser.isSet(kDemo)) options.media.prepend(BuiltInTune());
   if (parser.isSet(kSource)) {
     if (!options.media.isEmpty())
-      return end(Refuse(QStringLiteral("either --source or something to play, not both")));
+      return end(Refuse(CommandLine::tr("Give either --source or something to play, not both")));
     const QString source = parser.value(kSource);
     options.source = source == kDefaultSource ? QString() : source;
   }
-  if (TellsThatAllAreMissing(options.media)) return end(EXIT_FAILURE);
+  if (ReportsThatAllAreMissing(options.media)) return end(EXIT_FAILURE);
+  for (QString& medium : options.media)
+    medium = ToAbsolute(medium);
   return options;
 }
 

@@ -13,8 +13,8 @@
 
 namespace halvenor {
 
-/// The words of the command line as they are given to Qt, which takes "--plugin PATH" for an option
-/// of its own but leaves "--plugin=PATH" alone.
+/// The words of the command line as Qt gets them. Qt takes "--plugin PATH" for an option of its own
+/// but ignores "--plugin=PATH", so the former becomes the latter.
 class ProgramWords {
 public:
   ProgramWords(int argc, char** argv);
@@ -22,26 +22,26 @@ public:
   int& Count() { return count_; }
   char** Words() { return pointers_.data(); }
 
-  /// What follows --control, when that is the first word: it is for the running program.
+  /// The words after --control, if that is the first word: a command for the running program.
   [[nodiscard]] std::optional<QStringList> Control() const;
-  /// Whether what is asked for can be told without a display.
+  /// Whether the answer is text that needs no display.
   [[nodiscard]] bool AsksOnlyForText() const;
 
 private:
-  std::deque<std::string> words_; // whose addresses stay
+  std::deque<std::string> words_; // addresses stay valid
   std::vector<char*> pointers_;
   int count_ = 0;
 };
 
-/// What is to be shown.
 struct StartOptions {
   std::filesystem::path plugin;
-  QStringList media;             ///< to be played; empty: it listens
-  std::optional<QString> source; ///< to be listened to from now on; empty: the default output
+  QStringList media;             ///< to play, paths absolute; empty: listen
+  std::optional<QString> source; ///< to listen to from now on; empty text: the default output
+  bool verbose = false;          ///< show everything that the visualizer logs
 };
 
-/// Understands the words that the application was given. What they ask for in text is printed;
-/// then, and when they are wrong, there are none to start with and `exitStatus` is set.
+/// Reads the application's words. If they ask for text, or are wrong, prints that, sets
+/// `exitStatus` and returns none.
 std::optional<StartOptions> ReadCommandLine(int& exitStatus);
 
 } // namespace halvenor

@@ -1,17 +1,18 @@
-// The desktop program: what is heard, and its picture in a window.
+// The desktop program: a player that shows music as a moving picture in a window.
 #include "desktop/command_line.h"
-#include "desktop/control_client.h"
-#include "desktop/control_commands.h"
-#include "desktop/control_server.h"
-#include "desktop/main_window.h"
 #include "desktop/messages.h"
-#include "desktop/mpris_service.h"
-#include "desktop/mpris_titles.h"
-#include "desktop/player.h"
+#include "desktop/playback/player.h"
 #include "desktop/program_settings.h"
 #include "desktop/quit_signals.h"
-#include "desktop/remote_window.h"
-#include "desktop/session_bus.h"
+#include "desktop/remote/control_client.h"
+#include "desktop/remote/control_commands.h"
+#include "desktop/remote/control_server.h"
+#include "desktop/remote/mpris_service.h"
+#include "desktop/remote/mpris_titles.h"
+#include "desktop/remote/session_bus.h"
+#include "desktop/window/drawing_area.h"
+#include "desktop/window/main_window.h"
+#include "desktop/window/window_system.h"
 #include "host/install_paths.h"
 #include "host/log_capture.h"
 #include "platform/ports.h"
@@ -27,21 +28,21 @@
 namespace halvenor {
 namespace {
 
-// Everything by which other programs reach the player, or the player reaches them.
+// Every connection to other programs.
 class OtherPrograms {
 public:
   OtherPrograms(Player& player, MainWindow& window)
-      : window_(window), titles_(bus_), service_(bus_, player, window_),
-        control_([this, &player](const QStringList& words) {
-          return RunControl(words, player, window_);
-        }) {
+      : titles_(bus_), service_(bus_, player, window),
+        control_(
+            [&window](const QStringList& words) { return RunControl(words, window.Actions()); }) {
     QObject::connect(&titles_, &MprisTitles::Changed, &player,
                      [this, &player] { player.SetOthersTrack(titles_.Track()); });
-    QObject::connect(&quitSignals_, &QuitSignals::Received, &window_, &RemoteWindow::Quit);
+    QObject::connect(&control_, &ControlServer::Reported, &window, &MainWindow::Report);
+    QObject::connect(&quitSignals_, &QuitSignals::Received, &window,
+                     [&window] { window.Actions().Run(UserAction::Quit); });
   }
 
 private:
-  RemoteWindow window_;
   SessionBus bus_;
   MprisTitles titles_;
   MprisService service_;
@@ -49,8 +50,40 @@ private:
   QuitSignals quitSignals_;
 };
 
+// What the program offers to the plug-in beside its window: alerts and notices that people see.
+// Both come from inside messages, so they are shown from the event loop.
+class PluginVoice {
+public:
+  explicit PluginVoice(MainWindow& window) {
+    shown_ = &window;
+    SetFrontWindow(reinterpret_cast<WindowRef>(window.winId()));
+    SetAlertSound([](int) {
+      QApplication::beep();
+      QMetaObject::invokeMethod(shown_, &MainWindow::ReportAlert, Qt::QueuedConnection);
+    });
+    SetNoticeReceiver(
+        [](void*, const char* message) {
+          QMetaObject::invokeMethod(
+              shown_, [text = QString::fromUtf8(message)] { shown_->ReportNotice(text); },
+              Qt::QueuedConnection);
+        },
+        nullptr);
+  }
+  ~PluginVoice() {
+    SetNoticeReceiver(nullptr, nullptr);
+    SetAlertSound(nullptr);
+    SetFrontWindow(nullptr);
+  }
+  PluginVoice(const PluginVoice&) = delete;
+  PluginVoice& operator=(const PluginVoice&) = delete;
+
+private:
+  static inline MainWindow* shown_ = nullptr;
+};
+
 int ShowWindow(const StartOptions& options) {
-  LogCapture log(LogCapture::Echo::StandardError, kProgramName);
+  LogCapture log(options.verbose ? LogCapture::Echo::Everything : LogCapture::Echo::Errors,
+                 kProgramName);
   std::string error;
   std::unique_ptr<Visualizer> visualizer = Visualizer::Create(
       options.plugin, std::make_unique<FilePreferenceStore>(FilePreferenceStore::DefaultFolder()),
@@ -68,17 +101,16 @@ int ShowWindow(const StartOptions& options) {
       player.Open(options.media);
     }
   };
-  // The sound begins once, with the first picture.
+  // The sound starts once, with the first picture.
   QObject::connect(visualizer.get(), &Visualizer::Shown, &player, begin, Qt::SingleShotConnection);
   MainWindow window(std::move(visualizer), player, settings, [&log] { return log.TakeText(); });
+  QObject::connect(&settings, &ProgramSettings::Reported, &window, &MainWindow::Report);
+  settings.Check();
   const OtherPrograms others(player, window);
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, &window, &MainWindow::End);
   window.show();
-  SetFrontWindow(reinterpret_cast<WindowRef>(window.winId()));
-  SetAlertSound([](int) { QApplication::beep(); });
+  const PluginVoice voice(window);
   QApplication::exec();
-  SetAlertSound(nullptr);
-  SetFrontWindow(nullptr);
   return window.HasFailed() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
@@ -87,15 +119,16 @@ int Run() {
   const std::optional<StartOptions> options = ReadCommandLine(exitStatus);
   if (!options) return exitStatus;
   if (!DrawingArea::IsPossible()) {
-    PrintError(QStringLiteral("the window system \"%1\" is neither X11 nor Wayland")
+    PrintError(QCoreApplication::translate("halvenor::Main",
+                                           "The window system \"%1\" is neither X11 nor Wayland")
                    .arg(QGuiApplication::platformName()));
     return EXIT_FAILURE;
   }
   return ShowWindow(*options);
 }
 
-// Wayland finds the icon by the name of the menu entry, X11 takes what it is given.
-void PutOnIcon() {
+// Wayland finds the icon by the name of the menu entry; under X11 the window carries it.
+void SetIcon() {
   const QString id = QStringLiteral("org.halvenor.Halvenor");
   QGuiApplication::setDesktopFileName(id);
   const auto icons = ExecutableFolder().parent_path() / "share/icons/hicolor/128x128/apps";
@@ -103,10 +136,10 @@ void PutOnIcon() {
                                        id + QStringLiteral(".png")));
 }
 
-// Qt 6.4's Wayland back end, when it is destroyed, now and then waits for ever for its own reading
-// thread. By then everything of ours has ended, the plug-in too, and there is nothing to wait for.
+// Qt 6.4's Wayland back end sometimes hangs in its destructor, waiting for its own reading thread.
+// Everything else has ended by then, the plug-in too.
 void LeaveWithoutWaylandTeardown(int status) {
-  if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) return;
+  if (!IsOnWayland()) return;
   std::fflush(nullptr);
   std::_Exit(status);
 }
@@ -133,7 +166,7 @@ int main(int argc, char** argv) {
     StartingMessages held;
     application = std::make_unique<QApplication>(words.Count(), words.Words());
   }
-  PutOnIcon();
+  SetIcon();
   const int status = Run();
   LeaveWithoutWaylandTeardown(status);
   return status;

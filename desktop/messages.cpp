@@ -1,5 +1,8 @@
 #include "desktop/messages.h"
 
+#include "files/printable.h"
+
+#include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 
 #include <cstdio>
@@ -8,13 +11,15 @@
 namespace halvenor {
 namespace {
 
-QStringList heldBack; // of the one thread that starts the program
+QStringList heldBack; // used by the thread that starts the program
 
 [[noreturn]] void EndWithoutDisplay() {
   const char* const wayland = std::getenv("WAYLAND_DISPLAY");
   const char* const x11 = std::getenv("DISPLAY");
-  PrintError(QStringLiteral("no display can be opened (WAYLAND_DISPLAY is %1, DISPLAY is %2)")
-                 .arg(wayland ? wayland : "not set", x11 ? x11 : "not set"));
+  PrintError(
+      QCoreApplication::translate("halvenor::Messages",
+                                  "Cannot open a display (WAYLAND_DISPLAY is %1, DISPLAY is %2)")
+          .arg(wayland ? wayland : "not set", x11 ? x11 : "not set"));
   std::_Exit(EXIT_FAILURE);
 }
 
@@ -26,7 +31,8 @@ void HoldBack(QtMsgType type, const QMessageLogContext&, const QString& text) {
 } // namespace
 
 void PrintError(const QString& line) {
-  std::fprintf(stderr, "%s: %s\n", kProgramName, line.toUtf8().constData());
+  std::fprintf(stderr, "%s: %s\n", kProgramName,
+               Printable(line.toStdString(), kMessageCharacters).c_str());
 }
 
 StartingMessages::StartingMessages() {

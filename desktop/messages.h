@@ -1,4 +1,4 @@
-// What the program says on standard error: one line a message.
+// Messages on standard error, one line each.
 #pragma once
 
 #include <QtCore/QString>
@@ -10,8 +10,8 @@ inline constexpr char kProgramName[] = "halvenor";
 /// Prints "halvenor: LINE".
 void PrintError(const QString& line);
 
-/// While it lives, Qt's own messages are held back: a program that cannot open its display says
-/// so in one line, and ends. What else was said is printed at the end of its life.
+/// Holds back Qt's own messages while it lives, and prints them at its end. If Qt cannot open the
+/// display, one line says so and the process ends.
 class StartingMessages {
 public:
   StartingMessages();

@@ -15,27 +15,32 @@ QString SettingsFile() {
 
 } // namespace
 
-ProgramSettings::ProgramSettings() : QSettings(SettingsFile(), QSettings::IniFormat) {
-  TellOfFailure();
-}
+ProgramSettings::ProgramSettings() : QSettings(SettingsFile(), QSettings::IniFormat) {}
 
 ProgramSettings::~ProgramSettings() {
   sync();
-  TellOfFailure();
+  if (!reported_ && status() != NoError) PrintError(Failure());
 }
 
 bool ProgramSettings::event(QEvent* event) {
   const bool handled = QSettings::event(event);
-  if (event->type() == QEvent::UpdateRequest) TellOfFailure(); // it has just been written
+  if (event->type() == QEvent::UpdateRequest) Check(); // it has just been written
   return handled;
 }
 
-void ProgramSettings::TellOfFailure() {
-  if (told_ || status() == NoError) return;
-  told_ = true;
-  PrintError(status() == FormatError
-                 ? tr("%1: not all of these settings can be read").arg(fileName())
-                 : tr("%1: the settings cannot be kept").arg(fileName()));
+void ProgramSettings::Check() {
+  if (reported_ || status() == NoError) return;
+  reported_ = true;
+  emit Reported(Failure());
+}
+
+QString ProgramSettings::Failure() const {
+  return status() == FormatError
+             ? tr("Some settings in %1 cannot be read. Correct the file or remove it.")
+                   .arg(fileName())
+             : tr("The settings cannot be saved in %1. Check that there is space and that you may "
+                  "write there.")
+                   .arg(fileName());
 }
 
 } // namespace halvenor

@@ -8,8 +8,8 @@
 
 namespace halvenor {
 
-/// Turns the signals that ask a process to end into a Qt signal, so that it ends in order. One at
-/// a time in a process.
+/// Turns the signals that ask a process to end into a Qt signal, so that it can clean up. One at a
+/// time in a process.
 class QuitSignals final : public QObject {
   Q_OBJECT
 

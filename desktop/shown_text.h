@@ -7,8 +7,7 @@
 
 namespace halvenor {
 
-/// `text` as one line of at most `limit` characters: control characters and marks that turn the
-/// direction of writing are blanks, and blanks in a row are one.
+/// `text` made fit to be shown by `Printable`, at most `limit` characters long.
 QString ShownLine(const QString& text, qsizetype limit = 300);
 /// The same of text in UTF-8.
 QString ShownLine(const std::string& text);

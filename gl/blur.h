@@ -1,7 +1,7 @@
 // What a blur made of GPU programs offers to the glow.
 #pragma once
 
-#include <GL/gl.h>
+#include "gl_calls/gl.h"
 
 namespace halvenor {
 

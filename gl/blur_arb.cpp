@@ -1,13 +1,12 @@
-#define GL_GLEXT_PROTOTYPES
 #include "gl/blur_arb.h"
 
+#include "files/file_bytes.h"
 #include "gl/diagnostics.h"
 #include "gl/resource_file.h"
+#include "gl_calls/gl.h"
 
-#include <GL/glext.h>
-#include <GL/glu.h>
-
-#include <fstream>
+#include <fcntl.h>
+#include <utility>
 
 namespace halvenor {
 namespace {
@@ -97,14 +96,14 @@ void BlurARB::LoadFile(const char* fileName, std::string& text) {
   std::string path;
   const ResourceLookup lookup = FindResource(fileName, path);
   if (lookup == ResourceLookup::NoFolder) return;
-  std::ifstream file;
-  if (lookup == ResourceLookup::Found) file.open(path);
-  if (!file.is_open()) {
+  FileBytes file;
+  if (lookup == ResourceLookup::Found) file = ReadFileBytes(AT_FDCWD, path, Links::Follow);
+  if (!file.bytes) {
     DebugLog("Couldn't open file");
     return;
   }
-  for (std::string line; std::getline(file, line);)
-    text += line + '\n';
+  text = std::move(*file.bytes);
+  if (!text.empty() && text.back() != '\n') text += '\n';
 }
 
 void BlurARB::LoadShader(const char* fileName, GLuint& program, GLenum target) {

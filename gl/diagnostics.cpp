@@ -1,8 +1,7 @@
 #include "gl/diagnostics.h"
 
+#include "gl_calls/gl.h"
 #include "platform/carbon.h"
-
-#include <GL/gl.h>
 
 #include <cstdarg>
 #include <cstdio>

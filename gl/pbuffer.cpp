@@ -1,8 +1,7 @@
 #include "gl/pbuffer.h"
 
 #include "gl/diagnostics.h"
-
-#include <GL/gl.h>
+#include "gl_calls/gl.h"
 
 namespace halvenor {
 

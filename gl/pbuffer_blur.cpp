@@ -3,8 +3,7 @@
 #include "gl/blur_arb.h"
 #include "gl/diagnostics.h"
 #include "gl/textured_quad.h"
-
-#include <GL/gl.h>
+#include "gl_calls/gl.h"
 
 namespace halvenor {
 namespace {

@@ -1,6 +1,6 @@
 #include "gl/textured_quad.h"
 
-#include <GL/gl.h>
+#include "gl_calls/gl.h"
 
 namespace halvenor {
 

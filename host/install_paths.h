@@ -9,8 +9,8 @@ namespace halvenor {
 std::filesystem::path ExecutableFolder();
 
 /// The plug-in that belongs to this program: `../lib/halvenor/Halvenor.bundle` beside the
-/// executable's folder, in build trees and installed trees alike. Whether it exists is not looked
-/// at; the current folder plays no part.
+/// executable's folder, in build trees and installed trees alike. It may not exist. The current
+/// folder has no influence.
 std::filesystem::path InstalledPluginPath();
 
 } // namespace halvenor

@@ -41,7 +41,7 @@ std::unique_ptr<PluginHost> PluginHost::Create(const PluginModule& module, HostS
 
 PluginHost::~PluginHost() {
   Cleanup();
-  // What is destroyed before it registered anything has nothing to be cleaned up.
+  // Without a registration there is nothing to clean up.
   if (handler_) module_.Entry()(message::kCleanup, nullptr, nullptr);
 }
 
@@ -88,7 +88,7 @@ Status PluginHost::Register(HostMessage::Body& body) {
   return status::kOk;
 }
 
-// The form of this platform: device and file numbers cut to what fits, then the file's name.
+// On this platform: the device and file numbers, truncated, then the file's name.
 Status PluginHost::FillFileSpec(HostMessage::Body& body) {
   FileSpec* const spec = body.fileSpec.fileSpec;
   if (!spec) return kBadRequestRecord;

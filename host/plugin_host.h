@@ -34,7 +34,7 @@ public:
   virtual Status SetFullScreenOptions(const FullScreenOptions& options) = 0;
 };
 
-/// What a plug-in said of itself.
+/// What a plug-in registered.
 struct PluginRegistration {
   std::string name; ///< UTF-8
   FourCharCode creator = 0;
@@ -67,8 +67,8 @@ public:
 
   [[nodiscard]] const PluginRegistration& Registration() const { return registration_; }
 
-  /// Begins an activation. A status other than 0 is a warning when the plug-in set itself up all
-  /// the same (`IsInitialised`), else there is no activation.
+  /// Begins an activation. A status other than 0 is a warning if the plug-in is set up anyway
+  /// (`IsInitialised`); otherwise there is no activation.
   Status Init();
   [[nodiscard]] bool IsInitialised() const { return initialised_; }
   /// Ends the activation, hiding first when shown. Does nothing without one.

@@ -8,7 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What the loader says went wrong, without the file name that it likes to begin with.
+// The loader's error text without the file name at its beginning.
 std::string LoaderText(const fs::path& file) {
   const char* text = dlerror();
   std::string reason = text ? text : "unknown reason";

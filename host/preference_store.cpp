@@ -1,57 +1,19 @@
 #include "host/preference_store.h"
 
+#include "files/file_bytes.h"
+#include "files/pending_file.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace halvenor {
 namespace {
 
 namespace fs = std::filesystem;
-
-class FileDescriptor {
-public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  ~FileDescriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  [[nodiscard]] int Get() const { return fd_; }
-  explicit operator bool() const { return fd_ >= 0; }
-
-private:
-  const int fd_;
-};
-
-bool WriteAll(int fd, std::span<const std::byte> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes = bytes.subspan(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
-// Fills `bytes` as far as the file reaches; the number of bytes read, or -1 with `errno`.
-ssize_t ReadAll(int fd, std::span<std::byte> bytes) {
-  std::size_t filled = 0;
-  while (filled < bytes.size()) {
-    const ssize_t got = read(fd, bytes.data() + filled, bytes.size() - filled);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return -1;
-    if (got == 0) break;
-    filled += static_cast<std::size_t>(got);
-  }
-  return static_cast<ssize_t>(filled);
-}
 
 Status CopyOut(std::span<const std::byte> block, std::span<std::byte> buffer,
                std::size_t& sizeRead) {
@@ -93,11 +55,12 @@ fs::path FilePreferenceStore::FileOf(std::string_view plugin) const {
 Status FilePreferenceStore::Read(std::string_view plugin, std::span<std::byte> buffer,
                                  std::size_t& sizeRead) {
   sizeRead = 0;
-  const FileDescriptor file(open(FileOf(plugin).c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file) return errno == ENOENT ? status::kOk : -errno;
-  // Read aside first: a failure half-way must leave the plug-in's buffer as it was.
+  const OpenedFile file =
+      OpenRegularFile(AT_FDCWD, FileOf(plugin).string(), Links::Follow, kLargestSmallFile);
+  if (!file) return file.error == ENOENT ? status::kOk : -file.error;
+  // Into a buffer of our own: a failure half-way must not change the plug-in's.
   std::vector<std::byte> block(buffer.size());
-  const ssize_t size = ReadAll(file.Get(), block);
+  const std::int64_t size = ReadAt(file.descriptor.Get(), 0, block);
   if (size < 0) return -errno;
   return CopyOut(std::span(block).first(static_cast<std::size_t>(size)), buffer, sizeRead);
 }
@@ -106,29 +69,10 @@ Status FilePreferenceStore::Write(std::string_view plugin, std::span<const std::
   std::error_code failed;
   fs::create_directories(folder_, failed);
   if (failed) return -failed.value();
-  const FileDescriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!folder) return -errno;
-  // One writer at a time, so that the temporary file can have a fixed name and a killed writer
-  // leaves at most one behind, which the next write takes over.
-  while (flock(folder.Get(), LOCK_EX) != 0) {
-    if (errno != EINTR) break; // a file system without locks: go on without
-  }
-
-  const fs::path target = FileOf(plugin);
-  const fs::path temporary = target.string() + ".new";
-  Status result = status::kOk;
-  {
-    const FileDescriptor file(
-        open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-    if (!file) return -errno;
-    if (!WriteAll(file.Get(), block) || fsync(file.Get()) != 0) result = -errno;
-  }
-  if (result == status::kOk && rename(temporary.c_str(), target.c_str()) != 0) result = -errno;
-  if (result != status::kOk) {
-    unlink(temporary.c_str());
-    return result;
-  }
-  return fsync(folder.Get()) == 0 ? status::kOk : -errno;
+  constexpr mode_t kPrivate = 0600;
+  PendingFile file = PendingFile::Create(FileOf(plugin), kPrivate);
+  const bool written = file && file.Write(block) && file.Commit();
+  return written ? status::kOk : -file.Error();
 }
 
 Status MemoryPreferenceStore::Read(std::string_view plugin, std::span<std::byte> buffer,

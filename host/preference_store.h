@@ -28,8 +28,8 @@ public:
   virtual Status Write(std::string_view plugin, std::span<const std::byte> block) = 0;
 };
 
-/// Keeps the blocks as files of a folder. However a write ends, kill -9 included, the old or the
-/// new block is there whole. Statuses other than 0 are negated `errno` values.
+/// Keeps the blocks as files of a folder. After a write that fails or is killed, the file holds the
+/// complete old or the complete new block. Statuses other than 0 are negated `errno` values.
 class FilePreferenceStore final : public PreferenceStore {
 public:
   /// The folder is made with the first write.

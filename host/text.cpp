@@ -1,5 +1,7 @@
 #include "host/text.h"
 
+#include "files/released_by.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/translit.h>
 #include <unicode/ucnv.h>
@@ -14,10 +16,7 @@
 namespace halvenor {
 namespace {
 
-struct CloseConverter {
-  void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
+using Converter = std::unique_ptr<UConverter, ReleasedBy<ucnv_close>>;
 
 Converter OpenMacRoman() {
   UErrorCode failed = U_ZERO_ERROR;
@@ -26,7 +25,7 @@ Converter OpenMacRoman() {
   return converter;
 }
 
-// Everything that Mac OS Roman cannot say.
+// All characters that Mac OS Roman lacks.
 icu::UnicodeSet Unencodable() {
   UErrorCode failed = U_ZERO_ERROR;
   icu::UnicodeSet set;
@@ -35,7 +34,7 @@ icu::UnicodeSet Unencodable() {
   return set.complement();
 }
 
-// Finds Latin letters for what Mac OS Roman lacks, and leaves alone what it has.
+// Transliterates characters that Mac OS Roman lacks and keeps the others.
 class Romaniser {
 public:
   Romaniser() : unencodable_(Unencodable()), greek_(u"[:Greek:]", failed_) {

@@ -32,4 +32,12 @@ StreamInfo MakeStreamInfo(std::string_view title) {
   return record;
 }
 
+TrackRecords MakeTrackRecords(std::string_view title, std::string_view artist,
+                              std::optional<std::string_view> stream) {
+  if (artist.empty() && !stream) return {std::nullopt, MakeStreamInfo(title)};
+  TrackRecords records{MakeTrackInfo(title, artist), std::nullopt};
+  if (stream) records.stream = MakeStreamInfo(*stream);
+  return records;
+}
+
 } // namespace halvenor

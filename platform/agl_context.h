@@ -2,10 +2,7 @@
 #pragma once
 
 #include "platform/agl.h"
-#include "platform/egl_display.h"
-#include "platform/picture_scaler.h"
-#include "platform/presenter.h"
-#include "platform/render_target.h"
+#include "platform/backend.h"
 
 #include <memory>
 
@@ -13,10 +10,9 @@ struct HalvenorPixelFormat {
   bool depth = false; ///< a depth buffer is wanted
 };
 
-/// What the plug-in takes for a drawable's back buffer is a frame buffer object of the buffer
-/// rectangle's size; a presenter of the port's kind shows it. A pbuffer takes the port's place
-/// until a port is attached again. While nothing is attached, or the port's buffer cannot be made,
-/// drawing goes to a target of one pixel that is never shown.
+/// What the plug-in takes for a drawable's back buffer is a buffer of the buffer rectangle's size,
+/// which the backend shows in the port. A pbuffer takes the port's place until a port is attached
+/// again. While nothing is attached, or the port's buffer cannot be made, drawing goes nowhere.
 ///
 /// Members return the error that the C functions leave pending. Threads: see agl.h.
 struct HalvenorContext {
@@ -32,12 +28,12 @@ public:
   static void LetGo();
 
   GLenum Attach(GrafPtr port);
-  /// Makes the context current and directs drawing to `pbuffer`, a target of this context's that
+  /// Makes the context current and directs drawing to `pbuffer`, a buffer of this context's that
   /// stays alive until drawing is directed elsewhere or `Forget` is called.
-  GLenum Attach(const halvenor::agl::RenderTarget& pbuffer);
+  GLenum Attach(const halvenor::agl::Buffer& pbuffer);
   /// Directs drawing to nothing if `pbuffer` is what it is directed to. The context is current.
-  void Forget(const halvenor::agl::RenderTarget& pbuffer);
-  /// Binds what drawing is directed to, after another target was bound. The context is current.
+  void Forget(const halvenor::agl::Buffer& pbuffer);
+  /// Binds what drawing is directed to, after another buffer was bound. The context is current.
   void Rebind() const;
   GLenum SetBufferRect(const GLint* values);
   void UseBufferRect() { usesRect_ = true; }
@@ -48,10 +44,12 @@ public:
   /// when it is current on another thread.
   GLenum Unrealise();
 
+  /// Who draws; only while the context is current.
+  [[nodiscard]] halvenor::agl::Backend& Drawer() const { return *backend_; }
+
 private:
   GLenum Realise();
-  bool Bind(EGLSurface surface);
-  GLenum BindSomeSurface();
+  GLenum MakeCurrentAnywhere();
   GLenum UsePort();
   GLenum UseBuffer();
   void ReadBounds();
@@ -59,8 +57,8 @@ private:
 
   bool depth_;
   GrafPtr port_ = nullptr; ///< what drawing is directed to, unless it is `pbuffer_`
-  const halvenor::agl::RenderTarget* pbuffer_ = nullptr; ///< only while `port_` is null
-  GrafPtr lastPort_ = nullptr; ///< the port attached last; `bounds_`, `presenter_` belong to it
+  const halvenor::agl::Buffer* pbuffer_ = nullptr; ///< only while `port_` is null
+  GrafPtr lastPort_ = nullptr; ///< the port attached last; `bounds_` and the backend's belong to it
   // Copied when the host's thread calls: a frame may not look.
   halvenor::agl::Size bounds_;
   halvenor::agl::Size output_; ///< empty: pictures are not scaled
@@ -70,12 +68,8 @@ private:
   halvenor::agl::Size rect_;
   bool usesRect_ = false;
 
-  std::shared_ptr<halvenor::agl::EglDisplay> display_;
-  EGLContext handle_ = EGL_NO_CONTEXT;
-  std::unique_ptr<halvenor::agl::Presenter> presenter_;
-  bool triedPort_ = false; ///< a presenter for `lastPort_` was made, or could not be
-  halvenor::agl::RenderTarget nowhere_;
-  halvenor::agl::RenderTarget buffer_;
-  halvenor::agl::PictureScaler scaler_;
+  std::shared_ptr<halvenor::agl::Backend> backend_; ///< null before the first use
+  bool triedPort_ = false;                          ///< the backend was told of `lastPort_`
+  std::unique_ptr<halvenor::agl::Buffer> buffer_;
   halvenor::agl::Size triedSize_; ///< the size for which `buffer_` was made, or could not be
 };

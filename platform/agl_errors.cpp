@@ -2,12 +2,8 @@
 
 #include "platform/carbon.h"
 
-#include <EGL/egl.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <string>
 
 namespace {
 
@@ -49,13 +45,6 @@ void Log(std::string_view text) {
   std::copy_n(text.begin(), length, end);
   message[0] = static_cast<unsigned char>(kPrefix.size() + length);
   DebugStr(message.data());
-}
-
-void LogEgl(std::string_view what) {
-  std::array<char, 48> error{};
-  std::snprintf(error.data(), error.size(), " failed (EGL error 0x%04x)",
-                static_cast<unsigned>(eglGetError()));
-  Log(std::string(what) + error.data());
 }
 
 } // namespace halvenor::agl

@@ -14,7 +14,4 @@ GLboolean Report(GLenum error);
 /// Writes one line of this layer's own to the debug log, cut to what a message holds.
 void Log(std::string_view text);
 
-/// Writes "`what` failed (EGL error 0x...)" to the debug log, reading this thread's EGL error.
-void LogEgl(std::string_view what);
-
 } // namespace halvenor::agl

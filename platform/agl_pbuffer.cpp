@@ -2,18 +2,17 @@
 #include "platform/agl.h"
 #include "platform/agl_context.h"
 #include "platform/agl_errors.h"
-#include "platform/render_target.h"
 
 #include <memory>
 #include <new>
 #include <utility>
 
-using halvenor::agl::RenderTarget;
+using halvenor::agl::Buffer;
 using halvenor::agl::Report;
 
 struct HalvenorPBuffer {
   HalvenorContext* context; ///< on which it was made
-  RenderTarget target;
+  std::unique_ptr<Buffer> buffer;
 };
 
 namespace {
@@ -23,12 +22,6 @@ GLenum FaultOf(AGLContext context, AGLPbuffer pbuffer) {
   if (context == nullptr) return AGL_BAD_CONTEXT;
   if (pbuffer == nullptr) return AGL_BAD_VALUE;
   return pbuffer->context == context ? AGL_NO_ERROR : AGL_BAD_CONTEXT;
-}
-
-bool FitsTexture(GLint width, GLint height) {
-  GLint side = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
-  return width <= side && height <= side;
 }
 
 } // namespace
@@ -41,11 +34,12 @@ GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target, GLenum inte
   if (context == nullptr) return Report(AGL_BAD_CONTEXT);
   if (target != GL_TEXTURE_2D || internalFormat != GL_RGBA) return Report(AGL_BAD_ENUM);
   if (width < 1 || height < 1 || maxLevel != 0) return Report(AGL_BAD_VALUE);
-  if (!FitsTexture(width, height)) return Report(AGL_NO_BUFFER);
-  // Its first colour buffer is replaced by the texture; it shows that the driver can do it.
-  RenderTarget made = RenderTarget::Make({width, height}, false);
+  const GLint most = context->Drawer().MostTextureSize();
+  if (width > most || height > most) return Report(AGL_NO_BUFFER);
+  // A driver's first colour buffer is replaced by the texture; it shows that the driver can do it.
+  std::unique_ptr<Buffer> made = context->Drawer().MakeBuffer({width, height}, false);
   context->Rebind();
-  if (!made) return Report(AGL_NO_BUFFER);
+  if (made == nullptr) return Report(AGL_NO_BUFFER);
   *pbuffer = new (std::nothrow) HalvenorPBuffer{context, std::move(made)};
   return Report(*pbuffer != nullptr ? AGL_NO_ERROR : AGL_NO_BUFFER);
 }
@@ -53,7 +47,7 @@ GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target, GLenum inte
 GLboolean aglDestroyPBuffer(AGLPbuffer pbuffer) {
   if (const GLenum fault = FaultOf(HalvenorContext::Current(), pbuffer); fault != AGL_NO_ERROR)
     return Report(fault);
-  pbuffer->context->Forget(pbuffer->target);
+  pbuffer->context->Forget(*pbuffer->buffer);
   delete pbuffer;
   return GL_TRUE;
 }
@@ -62,19 +56,16 @@ GLboolean aglTexImagePBuffer(AGLContext context, AGLPbuffer pbuffer, GLint sourc
   if (const GLenum fault = FaultOf(context, pbuffer); fault != AGL_NO_ERROR) return Report(fault);
   if (HalvenorContext::Current() != context) return Report(AGL_BAD_CONTEXT);
   if (source != GL_FRONT) return Report(AGL_BAD_ENUM);
-  GLint texture = 0;
-  glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
-  if (texture == 0) return Report(AGL_BAD_VALUE);
-  const bool isShown = pbuffer->target.ShowInBoundTexture();
+  const GLenum error = pbuffer->buffer->ShowInBoundTexture();
   context->Rebind();
-  return Report(isShown ? AGL_NO_ERROR : AGL_NO_BUFFER);
+  return Report(error);
 }
 
 GLboolean aglSetPBuffer(AGLContext context, AGLPbuffer pbuffer, GLint face, GLint level,
                         GLint screen) {
   if (const GLenum fault = FaultOf(context, pbuffer); fault != AGL_NO_ERROR) return Report(fault);
   if (face != 0 || level != 0 || screen != 0) return Report(AGL_BAD_VALUE);
-  return Report(context->Attach(pbuffer->target));
+  return Report(context->Attach(*pbuffer->buffer));
 }
 
 GLint aglGetVirtualScreen(AGLContext context) {

@@ -41,7 +41,9 @@ AbsoluteTime UpTime(void) {
 Duration AbsoluteDeltaToDuration(AbsoluteTime later, AbsoluteTime earlier) {
   if (later <= earlier) return 0;
   constexpr std::uint64_t kLargest = std::numeric_limits<Duration>::max();
-  const std::uint64_t microseconds = (later - earlier) / 1000;
+  // Rounded up: frames of 16,666.7 microseconds come to hardly less than 60 a second, and three of
+  // them to no less than a twentieth of a second. Rounded down, or to nearest, they would.
+  const std::uint64_t microseconds = (later - earlier + 999) / 1000;
   if (microseconds <= kLargest) return -static_cast<Duration>(microseconds);
   return static_cast<Duration>(std::min(microseconds / 1000, kLargest));
 }
@@ -79,7 +81,7 @@ void RGB2HSL(const RGBColor* rgb, HSLColor* hsl) {
 void HSL2RGB(const HSLColor* hsl, RGBColor* rgb) {
   const int lightness = hsl->lightness;
   const double chroma = hsl->saturation / kFullScale * LargestChroma(lightness);
-  // The two ends lie evenly about the lightness even after rounding, so that turning a colour
+  // The two ends lie evenly about the lightness even after rounding, so that turning a color
   // again and again never makes it lighter or darker.
   const int reach = static_cast<int>(std::lround(chroma / 2));
   const int largest = lightness + reach;

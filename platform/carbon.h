@@ -37,8 +37,8 @@ typedef int32_t Duration;
 
 /// Now. Any thread.
 HALVENOR_PLATFORM AbsoluteTime UpTime(void);
-/// `later` - `earlier`, in negated microseconds whenever they fit 31 bits, else in milliseconds,
-/// saturating at 2^31 - 1; 0 when `later` is not after `earlier` or by less than a microsecond.
+/// `later` - `earlier`, in negated microseconds, rounded up, whenever they fit 31 bits, else in
+/// milliseconds, saturating at 2^31 - 1; 0 when `later` is not after `earlier`.
 HALVENOR_PLATFORM Duration AbsoluteDeltaToDuration(AbsoluteTime later, AbsoluteTime earlier);
 
 /// Lets another thread run.
@@ -57,7 +57,7 @@ typedef struct HSLColor {
   uint16_t lightness;
 } HSLColor;
 
-/// Conversions between the two, rounded to nearest; a grey has hue and saturation 0. Any thread.
+/// Conversions between the two, rounded to nearest; a gray has hue and saturation 0. Any thread.
 HALVENOR_PLATFORM void RGB2HSL(const RGBColor* rgb, HSLColor* hsl);
 HALVENOR_PLATFORM void HSL2RGB(const HSLColor* hsl, RGBColor* rgb);
 

@@ -12,9 +12,9 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 using std::chrono::nanoseconds;
 
-// All of it under `mutex`. The counts are of announced threads; one that is inside `SleepFor`
-// counts as sleeping until it leaves by itself or `WakeAll` says that it is to leave: a wake-up is
-// a new generation, so it is never lost, nor mistaken by a thread that comes to sleep after it.
+// All of it under `mutex`. The counts are of announced threads; one inside `SleepFor` counts as
+// sleeping until its time is over or `WakeAll` starts a new generation. So no sleeper misses a
+// wake-up, and a thread that goes to sleep later does not take it for its own.
 struct State {
   std::mutex mutex;
   std::condition_variable sleepers;
@@ -42,7 +42,7 @@ nanoseconds MachineTime() {
   return SteadyClock::now().time_since_epoch();
 }
 
-// The real-time clock: the machine's, less the time that holds took.
+// The real-time clock: the machine's, minus the time spent in holds.
 nanoseconds RealNow(const State& state) {
   return (state.held ? state.held_at : MachineTime()) - state.held_for;
 }
@@ -103,7 +103,7 @@ void SleepFor(std::int64_t microseconds) {
     if (state.stepped || state.held) {
       state.sleepers.wait(lock);
     } else if (RealNow(state) < deadline) {
-      // A hold or a stepped clock may come meanwhile; the deadline is time enough to notice.
+      // A hold or a stepped clock that begins now is noticed at the deadline.
       state.sleepers.wait_until(lock, SteadyClock::time_point(deadline + state.held_for));
     } else {
       --state.sleeping;
@@ -165,7 +165,7 @@ StepResult WaitUntilParked() {
 StepResult Step(std::uint64_t time) {
   State& state = TheState();
   std::unique_lock lock(state.mutex);
-  // A thread that still draws finishes at the old time, so that its next turn is the one asked for.
+  // A thread that is still drawing finishes at the old time: its next frame is the one asked for.
   const StepResult before = AwaitParked(state, lock);
   if (!state.stepped) return StepResult::NoFrame;
   state.stepped_time = std::max(state.stepped_time, time);

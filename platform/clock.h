@@ -23,12 +23,12 @@ HALVENOR_PLATFORM std::uint64_t Now();
 /// held. Returns at once while a `KeepAwake` lives.
 HALVENOR_PLATFORM void SleepFor(std::int64_t microseconds);
 
-/// A thread that will come to sleep here has been created or is about to be; and it has ended, or
-/// could not be created. Steps wait only while such a thread exists.
+/// `ThreadStarting`: a thread that will sleep here is about to be created. `ThreadGone`: it has
+/// ended or could not be created. Steps wait only while such a thread exists.
 HALVENOR_PLATFORM void ThreadStarting();
 HALVENOR_PLATFORM void ThreadGone();
 
-/// Wakes all sleepers, and lets none sleep or park, while it lives: the way to a join.
+/// While it lives, nobody sleeps or parks, and all sleepers wake: for joining a thread.
 class HALVENOR_PLATFORM KeepAwake {
 public:
   KeepAwake();
@@ -47,17 +47,16 @@ enum class StepResult {
   NoFrame, ///< no thread exists that could park, a `KeepAwake` lives, or the clock is not stepped
 };
 
-/// Waits until every announced thread is parked. Neither this nor `Step` outwaits a thread's end.
+/// Waits until every announced thread is parked. Like `Step`, returns when a thread ends instead.
 HALVENOR_PLATFORM StepResult WaitUntilParked();
 
-/// Lets threads that are not parked yet come to it at the present time; then sets a stepped clock
-/// to `time` (not before the present one), wakes the parked threads and waits until they are parked
-/// again.
+/// Waits until every thread is parked at the present time; then sets a stepped clock to `time` (not
+/// before the present one), wakes the threads and waits until they are parked again.
 HALVENOR_PLATFORM StepResult Step(std::uint64_t time);
 
-/// Holds a real-time clock, or lets it go; time stands still in between and goes on from there, and
-/// sleepers sleep what they had left. Holding does not wait for a frame that is being drawn.
-/// Repeated calls change nothing, nor does holding a stepped clock.
+/// Stops a real-time clock, and lets it run on from there; sleepers then sleep the rest of their
+/// time. `Hold` does not wait for a frame that is being drawn. Repeated calls change nothing;
+/// `Hold` does nothing to a stepped clock.
 HALVENOR_PLATFORM void Hold();
 HALVENOR_PLATFORM void Release();
 

@@ -1,12 +1,14 @@
 #include "platform/core_foundation.h"
 
+#include "files/file_bytes.h"
+#include "files/released_by.h"
+
 #include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -31,17 +33,14 @@ struct HalvenorUrl {
 
 namespace {
 
-struct PlistDeleter {
-  void operator()(void* node) const { plist_free(node); }
-};
-
 /// What the bundle's property list says under `key`, if it is a string.
 std::optional<std::string> Info(const fs::path& contents, const char* key) {
-  std::ifstream file(contents / "Info.plist", std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(file), {});
+  using namespace halvenor;
+  const std::string text =
+      ReadFileBytes(AT_FDCWD, (contents / "Info.plist").string(), Links::Follow).bytes.value_or("");
   plist_t root = nullptr;
   plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &root);
-  const std::unique_ptr<void, PlistDeleter> owner(root);
+  const std::unique_ptr<void, ReleasedBy<plist_free>> owner(root);
   // What is no dictionary has no items, and what is no string has no characters.
   const char* characters = plist_get_string_ptr(plist_dict_get_item(root, key), nullptr);
   if (characters == nullptr) return std::nullopt;

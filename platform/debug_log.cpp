@@ -1,5 +1,6 @@
 #include "platform/debug_log.h"
 
+#include "files/printable.h"
 #include "platform/carbon.h"
 
 #include <cerrno>
@@ -11,14 +12,8 @@ namespace halvenor::debug_log {
 namespace {
 
 void WriteToStandardError(void* /*refCon*/, std::string_view message) {
-  std::string line = program_invocation_short_name;
-  line += ": ";
-  // A title can bring any byte along; none of them may break the line or steer a terminal.
-  for (const char character : message) {
-    const bool printable = character >= ' ' && character <= '~';
-    line += printable ? character : '?';
-  }
-  line += '\n';
+  const std::string line =
+      std::string(program_invocation_short_name) + ": " + Printable(message) + '\n';
   std::fwrite(line.data(), 1, line.size(), stderr); // in one piece: other threads write there, too
 }
 

@@ -1,17 +1,20 @@
 #include "platform/glyph_bitmaps.h"
 
+#include "files/released_by.h"
 #include "platform/agl_errors.h"
-#include "platform/mac_roman.h"
 
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include <unicode/ucnv.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <numeric>
 
 namespace halvenor::agl {
 namespace {
@@ -126,8 +129,23 @@ bool IsControl(int character) {
   return character < 32 || character == 127;
 }
 
+constexpr int kCharacters = 256;
+using MacRomanTable = std::array<UChar, kCharacters>; // all lie in the basic plane
+
+MacRomanTable MakeMacRomanTable() {
+  std::array<char, kCharacters> bytes{};
+  std::iota(bytes.begin(), bytes.end(), '\0');
+  MacRomanTable table{};
+  UErrorCode failed = U_ZERO_ERROR;
+  const std::unique_ptr<UConverter, ReleasedBy<ucnv_close>> converter(
+      ucnv_open("macintosh", &failed));
+  ucnv_toUChars(converter.get(), table.data(), kCharacters, bytes.data(), kCharacters, &failed);
+  return table;
+}
+
 char32_t ToUnicode(int character) {
-  return character < 128 ? static_cast<char32_t>(character) : kMacRomanUpperHalf[character - 128];
+  static const MacRomanTable table = MakeMacRomanTable();
+  return table.at(static_cast<std::size_t>(character));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
-// Offscreen ports: contexts without any window system, frames handed to a callback.
+#include "platform/offscreen.h"
+
 #include "platform/agl_errors.h"
+#include "platform/driver/driver_library.h"
 #include "platform/frame_reader.h"
-#include "platform/window_systems.h"
 
 #include <EGL/eglext.h>
 
@@ -12,14 +13,60 @@
 namespace halvenor::agl {
 namespace {
 
-/// The surfaceless platform, or the first graphics device that works. It is never terminated:
-/// there is one for the whole process, which others may use, and it hangs on nothing of the host.
-class OffscreenDisplay final : public EglDisplay {
+/// Reads each picture back at once: that beat a ring of pixel buffers at every size measured.
+class OffscreenPresenter final : public Presenter {
 public:
-  bool Open() {
+  explicit OffscreenPresenter(const HalvenorPort& port) : port_(port) {}
+
+  void Present(const Picture& picture) override {
+    if (port_.frameFinished == nullptr || picture.port.IsEmpty()) return;
+    const auto bytes = std::ptrdiff_t{picture.port.width} * 4;
+    Pixels pixels{port_.destination, port_.destinationStride};
+    if (pixels.topRow == nullptr) {
+      // Bottom row first, as OpenGL has it.
+      frame_.resize(static_cast<std::size_t>(bytes * picture.port.height));
+      pixels = {frame_.data() + bytes * (picture.port.height - 1), -bytes};
+    }
+    reader_.Read(picture, pixels);
+    const HalvenorFrame frame{pixels.topRow, pixels.stride, picture.port.width,
+                              picture.port.height};
+    port_.frameFinished(port_.frameRefCon, &frame);
+  }
+
+private:
+  const HalvenorPort& port_;
+  FrameReader reader_;
+  std::vector<std::uint8_t> frame_;
+};
+
+/// EGL is never terminated here: its display is one for the whole process, which others may use,
+/// and hangs on nothing of the host.
+class OffscreenSystem final : public WindowSystem {
+public:
+  [[nodiscard]] bool Serves(const HalvenorPort& port) const override {
+    return port.kind == kHalvenorPortOffscreen;
+  }
+
+  std::unique_ptr<Presenter> MakeMemoryPresenter(const HalvenorPort& port) override {
+    return std::make_unique<OffscreenPresenter>(port);
+  }
+
+  std::unique_ptr<Presenter> MakeEglPresenter(const HalvenorPort& port) override {
+    return MakeMemoryPresenter(port);
+  }
+
+private:
+  /// The surfaceless platform, or the first graphics device that works.
+  bool OpenEgl(EglDisplay& display) override {
     if (HasEglExtension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless") &&
-        Initialise(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY))
+        display.Initialise(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY))
       return true;
+    if (OpenDevice(display)) return true;
+    Log("no EGL platform for drawing without a window");
+    return false;
+  }
+
+  static bool OpenDevice(EglDisplay& display) {
     if (!HasEglExtension(EGL_NO_DISPLAY, "EGL_EXT_platform_device")) return false;
     const auto queryDevices =
         reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
@@ -29,51 +76,16 @@ public:
         !queryDevices(static_cast<EGLint>(devices.size()), devices.data(), &count))
       return false;
     for (EGLint i = 0; i < count; ++i)
-      if (Initialise(EGL_PLATFORM_DEVICE_EXT, devices[static_cast<std::size_t>(i)])) return true;
+      if (display.Initialise(EGL_PLATFORM_DEVICE_EXT, devices[static_cast<std::size_t>(i)]))
+        return true;
     return false;
   }
-
-  [[nodiscard]] bool Serves(const HalvenorPort& port) const override {
-    return port.kind == kHalvenorPortOffscreen;
-  }
-};
-
-/// Reads each picture back at once: that beat a ring of pixel buffers at every size measured.
-class OffscreenPresenter final : public Presenter {
-public:
-  explicit OffscreenPresenter(const HalvenorPort& port) : port_(port) {}
-
-  void Present(const Picture& picture) override {
-    if (port_.frameFinished == nullptr) {
-      glFinish();
-      return;
-    }
-    if (picture.port.IsEmpty()) return;
-    const auto stride = static_cast<std::ptrdiff_t>(picture.port.width) * 4;
-    frame_.resize(static_cast<std::size_t>(stride * picture.port.height));
-    reader_.Read(picture, frame_.data());
-    const HalvenorFrame frame{frame_.data() + stride * (picture.port.height - 1), -stride,
-                              picture.port.width, picture.port.height};
-    port_.frameFinished(port_.frameRefCon, &frame);
-  }
-
-private:
-  const HalvenorPort& port_;
-  FrameReader reader_{FrameReader::Layout::RgbaBottomRowFirst};
-  std::vector<std::uint8_t> frame_;
 };
 
 } // namespace
 
-std::shared_ptr<EglDisplay> OpenOffscreenDisplay() {
-  auto display = std::make_shared<OffscreenDisplay>();
-  if (display->Open()) return display;
-  Log("no EGL platform for drawing without a window");
-  return nullptr;
-}
-
-std::unique_ptr<Presenter> MakeOffscreenPresenter(const HalvenorPort& port) {
-  return std::make_unique<OffscreenPresenter>(port);
+std::shared_ptr<WindowSystem> OpenOffscreenSystem(const HalvenorPort& /*port*/) {
+  return std::make_shared<OffscreenSystem>();
 }
 
 } // namespace halvenor::agl

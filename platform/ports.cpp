@@ -14,6 +14,8 @@ void RingTheTerminal(int /*ticks*/) {
 
 std::atomic<WindowRef> frontWindow = nullptr;
 std::atomic<HalvenorAlertProc> alertSound = RingTheTerminal;
+HalvenorNoticeProc noticeReceiver = nullptr;
+void* noticeRefCon = nullptr;
 
 } // namespace
 
@@ -36,4 +38,15 @@ void SetAlertSound(HalvenorAlertProc sound) {
 
 void SysBeep(int16_t ticks) {
   alertSound.load()(ticks);
+}
+
+void SetNoticeReceiver(HalvenorNoticeProc receiver, void* refCon) {
+  noticeReceiver = receiver;
+  noticeRefCon = refCon;
+}
+
+int GiveNotice(const char* message) {
+  if (noticeReceiver == nullptr) return 0;
+  noticeReceiver(noticeRefCon, message);
+  return 1;
 }

@@ -1,4 +1,5 @@
-// What a host offers to a plug-in: drawing ports, the areas to draw in; its front window; an alert.
+// What a host offers to a plug-in: drawing ports, the areas to draw in; its front window; an alert;
+// notices.
 //
 // A port is a plain record that the host fills and keeps alive, unchanged but for its sizes, from
 // 'show' until 'hide' has returned. The sizes change on the host's thread only, before the 'swin'
@@ -68,6 +69,11 @@ typedef struct HalvenorPort {
   /// Offscreen: called with each finished frame; null to finish frames without reading them back.
   HalvenorFrameProc frameFinished;
   void* frameRefCon;
+  /// Offscreen: the top row of the host's own memory for finished frames, which the callback then
+  /// gets, and the bytes, a multiple of 4, from a row to the row below it. Both may change while no
+  /// frame is drawn. Null: frames come in this layer's memory.
+  uint8_t* destination;
+  ptrdiff_t destinationStride;
 } HalvenorPort;
 
 typedef HalvenorPort* GrafPtr;
@@ -90,6 +96,16 @@ HALVENOR_PLATFORM void SetFrontWindow(WindowRef window);
 /// from there and never wait.
 typedef void (*HalvenorAlertProc)(int ticks);
 HALVENOR_PLATFORM void SetAlertSound(HalvenorAlertProc sound);
+
+/// Receives notices of the plug-in's modules: `message` says in UTF-8 what failed, why, and what a
+/// person can do about it; it is valid during the call. Runs on the host's thread, mostly inside a
+/// message and possibly while the plug-in's lock is held: copy and return, and show it later.
+typedef void (*HalvenorNoticeProc)(void* refCon, const char* message);
+/// From now on `receiver` gets the notices; null, as at the start: nobody does. Host's thread.
+HALVENOR_PLATFORM void SetNoticeReceiver(HalvenorNoticeProc receiver, void* refCon);
+/// Hands `message` to the host's receiver, for failures that nobody would see otherwise. Returns 0
+/// when there is no receiver. Host's thread.
+HALVENOR_PLATFORM int GiveNotice(const char* message);
 
 #ifdef __cplusplus
 }

@@ -1,7 +1,5 @@
 #include "platform/presenter.h"
 
-#include "platform/window_systems.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -25,10 +23,10 @@ Overlap OverlapWith(GLsizei limit, GLint at, GLsizei length) {
 } // namespace
 
 Fitted FitPicture(const Picture& picture, Size output) {
-  if (picture.target == nullptr || picture.port.IsEmpty()) return {};
+  if (picture.buffer == nullptr || picture.port.IsEmpty()) return {};
   const double scale = std::min(static_cast<double>(output.width) / picture.port.width,
                                 static_cast<double>(output.height) / picture.port.height);
-  const Size size = picture.target->GetSize();
+  const Size size = picture.buffer->GetSize();
   const auto scaled = [scale](GLint pixels) {
     return static_cast<GLint>(std::lround(pixels * scale));
   };
@@ -38,8 +36,8 @@ Fitted FitPicture(const Picture& picture, Size output) {
 }
 
 VisiblePart ClipToPort(const Picture& picture) {
-  if (picture.target == nullptr) return {};
-  const Size size = picture.target->GetSize();
+  if (picture.buffer == nullptr) return {};
+  const Size size = picture.buffer->GetSize();
   const Overlap across = OverlapWith(picture.port.width, picture.x, size.width);
   const Overlap up = OverlapWith(picture.port.height, picture.y, size.height);
   if (across.length == 0 || up.length == 0) return {};
@@ -48,18 +46,6 @@ VisiblePart ClipToPort(const Picture& picture) {
           across.begin,
           up.begin,
           {across.length, up.length}};
-}
-
-std::unique_ptr<Presenter> MakePresenter(EglDisplay& display, const HalvenorPort& port) {
-  switch (port.kind) {
-  case kHalvenorPortX11Window:
-    return MakeX11Presenter(display, port);
-  case kHalvenorPortWaylandSurface:
-    return MakeWaylandPresenter(display, port);
-  case kHalvenorPortOffscreen:
-    return MakeOffscreenPresenter(port);
-  }
-  return nullptr;
 }
 
 } // namespace halvenor::agl

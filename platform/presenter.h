@@ -1,22 +1,18 @@
 // What becomes of a finished picture.
 #pragma once
 
+#include "platform/buffer.h"
 #include "platform/ports.h"
-#include "platform/render_target.h"
-
-#include <EGL/egl.h>
 
 #include <memory>
 
 namespace halvenor::agl {
 
-class EglDisplay;
-
 /// A finished picture and its place in a port of the size `port`: its bottom-left corner is `x`,
-/// `y` pixels from the port's. It may reach over the port's edges. Without a target there is no
+/// `y` pixels from the port's. It may reach over the port's edges. Without a buffer there is no
 /// picture, and the port is black.
 struct Picture {
-  const RenderTarget* target = nullptr;
+  Buffer* buffer = nullptr;
   GLint x = 0;
   GLint y = 0;
   Size port;
@@ -56,15 +52,12 @@ public:
   Presenter(const Presenter&) = delete;
   Presenter& operator=(const Presenter&) = delete;
 
-  /// The surface that the context has to be current with; none where pictures are read back.
-  [[nodiscard]] virtual EGLSurface Surface() const { return EGL_NO_SURFACE; }
+  /// The EGL surface that the context has to be current with; null where pictures are read.
+  [[nodiscard]] virtual void* Surface() const { return nullptr; }
 
   /// Shows the picture; what of the port is outside it is black. Never waits for the display's
-  /// refresh. May change which frame buffer is bound, and no other GL state.
+  /// refresh. May change which buffer is bound, and no other GL state.
   virtual void Present(const Picture& picture) = 0;
 };
-
-/// A presenter for `port`, which `display` serves; see window_systems.h.
-std::unique_ptr<Presenter> MakePresenter(EglDisplay& display, const HalvenorPort& port);
 
 } // namespace halvenor::agl

@@ -1,7 +1,7 @@
 // What the plug-in and the module of its configuration window know of each other: the functions
 // that the module exports, and the one through which it calls back.
 //
-// All of it happens on the host's thread. The module is initialised before each of its other
+// All of it happens on the host's thread. The module is initialized before each of its other
 // entries is called, every time, and is never unloaded.
 #pragma once
 
@@ -34,8 +34,8 @@ inline constexpr char kLogSettings[] = "LogSettings";
 extern "C" {
 
 /// Takes no lock: call it from inside a `RecordGuard` whose record is not null, with that record.
-/// Returns the host's status. The host may send messages before it returns: look at the record
-/// anew afterwards.
+/// Returns the host's status. The host may send messages before it returns: look the record
+/// up again afterwards.
 using ConfigurationCallback = Status (*)(VisualPluginData* record, int code);
 
 /// The entry `kInitialize`: hands over the callback and the record's address, which is good until

@@ -36,50 +36,111 @@ constexpr Settings kDefaults = {
     .frameDelay = 10000,
 };
 
-constexpr std::string_view kFrequencyScales[] = {"Linear", "Square root", "Logarithmic", "Blended"};
+// The name by which the translation tools find a text.
+#define QT_TRANSLATE_NOOP(context, text) text
+
+constexpr const char* kGroupTitles[] = {
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Picture"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Drawing"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Colors"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Texts"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Screen"),
+};
+
+constexpr const char* kFrequencyScales[] = {
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Linear"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Square root"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Logarithmic"),
+    QT_TRANSLATE_NOOP("halvenor::SettingField", "Blended"),
+};
+
+constexpr ShownMeasure kTitleSeconds = {
+    .unit = QT_TRANSLATE_NOOP("halvenor::SettingField", "s"),
+    .minimum = 0,
+    .maximum = 999,
+    .step = 0.5,
+    .decimals = 1,
+    .fromStored = [](double milliseconds) { return milliseconds / 1000; },
+    .toStored = [](double seconds) { return seconds * 1000; },
+    .endless = kShownUntilChanged,
+    .endlessLabel = QT_TRANSLATE_NOOP("halvenor::SettingField", "Always"),
+};
+
+constexpr ShownMeasure kFramesPerSecond = {
+    .unit = QT_TRANSLATE_NOOP("halvenor::SettingField", "fps"),
+    .minimum = 1,
+    .maximum = 1000,
+    .step = 5,
+    .decimals = 0,
+    .fromStored = [](double microseconds) { return 1e6 / microseconds; },
+    .toStored = [](double rate) { return 1e6 / rate; },
+    .endless = 0,
+    .endlessLabel = QT_TRANSLATE_NOOP("halvenor::SettingField", "Unlimited"),
+};
+
+// What a field has beyond the ordinary.
+struct Extras {
+  std::string_view unit = {};
+  bool angle = false;
+  bool look = false;
+  std::span<const char* const> choices = {};
+  const ShownMeasure* measure = nullptr;
+};
+constexpr Extras kLook = {.look = true};
 
 #define HALVENOR_FIELD(name) #name, offsetof(Settings, name)
+#define HALVENOR_LABEL(text) QT_TRANSLATE_NOOP("halvenor::SettingField", text)
 constexpr SettingField Field(std::string_view name, std::size_t offset, SettingType type,
-                             double minimum, double maximum, std::string_view label,
-                             std::string_view unit = "") {
-  return {name, type, offset, minimum, maximum, label, unit, false, {}};
+                             double minimum, double maximum, SettingGroup group, int row,
+                             const char* label, const Extras& extras = {}) {
+  return {name,  type,        offset,       minimum,     maximum,        group,         row,
+          label, extras.unit, extras.angle, extras.look, extras.choices, extras.measure};
 }
 
-constexpr SettingField Look(SettingField field, std::span<const std::string_view> choices = {}) {
-  field.look = true;
-  field.choices = choices;
-  return field;
-}
+using enum SettingGroup;
 
 constexpr std::array kFields = {
-    Look(Field(HALVENOR_FIELD(intensity), SettingType::Real, 0, 1, "Intensity")),
-    Look(Field(HALVENOR_FIELD(fade), SettingType::Real, 0, 1, "Fade")),
-    Look(Field(HALVENOR_FIELD(zoom), SettingType::Real, 0, 1, "Zoom")),
-    Look(
-        Field(HALVENOR_FIELD(zoomRotation), SettingType::Real, 0, 360, "Zoom Rotation", "degrees")),
-    Look(Field(HALVENOR_FIELD(numLines), SettingType::Real, 0, 100, "Num Lines")),
-    Look(Field(HALVENOR_FIELD(innerColor), SettingType::Color, 0, 1, "Inner Color")),
-    Look(Field(HALVENOR_FIELD(outerColor), SettingType::Color, 0, 1, "Outer Color")),
-    Look(Field(HALVENOR_FIELD(smoothing), SettingType::Flag, 0, 1, "Smoothing")),
-    Look(Field(HALVENOR_FIELD(glow), SettingType::Flag, 0, 1, "Glow")),
-    Look(Field(HALVENOR_FIELD(colorCycle), SettingType::Flag, 0, 1, "Color Cycle")),
-    Look(Field(HALVENOR_FIELD(sharpOverlay), SettingType::Flag, 0, 1, "Sharp Overlay")),
-    Field(HALVENOR_FIELD(showFrameRate), SettingType::Flag, 0, 1, "Show Frame Rate"),
-    Look(Field(HALVENOR_FIELD(frequencyScale), SettingType::Integer, 0, 3, "Frequency Scale"),
-         kFrequencyScales),
-    Field(HALVENOR_FIELD(fullScreenWidth), SettingType::Integer, 64, 32767, "Full Screen Width",
-          "pixels"),
-    Field(HALVENOR_FIELD(fullScreenHeight), SettingType::Integer, 64, 32767, "Full Screen Height",
-          "pixels"),
-    Field(HALVENOR_FIELD(trackTextDuration), SettingType::Integer, 0, 999999, "Title Duration",
-          "milliseconds"),
-    Field(HALVENOR_FIELD(numFrequencyLabels), SettingType::Integer, 0, 100, "Frequency Labels"),
-    Field(HALVENOR_FIELD(autopilot), SettingType::Flag, 0, 1, "Autopilot"),
-    Look(Field(HALVENOR_FIELD(verticalLayout), SettingType::Flag, 0, 1, "Vertical Layout")),
-    Field(HALVENOR_FIELD(fontSize), SettingType::Integer, 5, 128, "Font Size", "pixels"),
-    Field(HALVENOR_FIELD(frameDelay), SettingType::Integer, 0, 1000000, "Frame Delay",
-          "microseconds"),
+    Field(HALVENOR_FIELD(intensity), SettingType::Real, 0, 1, Picture, 0,
+          HALVENOR_LABEL("Intensity"), kLook),
+    Field(HALVENOR_FIELD(fade), SettingType::Real, 0, 1, Picture, 1, HALVENOR_LABEL("Fade"), kLook),
+    Field(HALVENOR_FIELD(zoom), SettingType::Real, 0, 1, Picture, 2, HALVENOR_LABEL("Zoom"), kLook),
+    Field(HALVENOR_FIELD(zoomRotation), SettingType::Real, 0, 360, Picture, 3,
+          HALVENOR_LABEL("Zoom Rotation"), {.unit = "degrees", .angle = true, .look = true}),
+    Field(HALVENOR_FIELD(numLines), SettingType::Real, 0, 100, Picture, 4, HALVENOR_LABEL("Lines"),
+          kLook),
+    Field(HALVENOR_FIELD(innerColor), SettingType::Color, 0, 1, Colors, 0,
+          HALVENOR_LABEL("Inner Color"), kLook),
+    Field(HALVENOR_FIELD(outerColor), SettingType::Color, 0, 1, Colors, 1,
+          HALVENOR_LABEL("Outer Color"), kLook),
+    Field(HALVENOR_FIELD(smoothing), SettingType::Flag, 0, 1, Drawing, 1,
+          HALVENOR_LABEL("Smoothing"), kLook),
+    Field(HALVENOR_FIELD(glow), SettingType::Flag, 0, 1, Drawing, 2, HALVENOR_LABEL("Glow"), kLook),
+    Field(HALVENOR_FIELD(colorCycle), SettingType::Flag, 0, 1, Colors, 2,
+          HALVENOR_LABEL("Color Cycle"), kLook),
+    Field(HALVENOR_FIELD(sharpOverlay), SettingType::Flag, 0, 1, Drawing, 3,
+          HALVENOR_LABEL("Sharp Overlay"), kLook),
+    Field(HALVENOR_FIELD(showFrameRate), SettingType::Flag, 0, 1, Texts, 3,
+          HALVENOR_LABEL("Show Frame Rate")),
+    Field(HALVENOR_FIELD(frequencyScale), SettingType::Integer, 0, 3, Drawing, 0,
+          HALVENOR_LABEL("Frequency Scale"), {.look = true, .choices = kFrequencyScales}),
+    Field(HALVENOR_FIELD(fullScreenWidth), SettingType::Integer, 64, 32767, Screen, 1,
+          HALVENOR_LABEL("Full Screen Width"), {.unit = "pixels"}),
+    Field(HALVENOR_FIELD(fullScreenHeight), SettingType::Integer, 64, 32767, Screen, 2,
+          HALVENOR_LABEL("Full Screen Height"), {.unit = "pixels"}),
+    Field(HALVENOR_FIELD(trackTextDuration), SettingType::Integer, 0, 999999, Texts, 0,
+          HALVENOR_LABEL("Title Duration"), {.unit = "milliseconds", .measure = &kTitleSeconds}),
+    Field(HALVENOR_FIELD(numFrequencyLabels), SettingType::Integer, 0, 100, Texts, 1,
+          HALVENOR_LABEL("Frequency Labels")),
+    Field(HALVENOR_FIELD(autopilot), SettingType::Flag, 0, 1, Picture, 5,
+          HALVENOR_LABEL("Autopilot")),
+    Field(HALVENOR_FIELD(verticalLayout), SettingType::Flag, 0, 1, Drawing, 4,
+          HALVENOR_LABEL("Vertical Layout"), kLook),
+    Field(HALVENOR_FIELD(fontSize), SettingType::Integer, 5, 128, Texts, 2,
+          HALVENOR_LABEL("Font Size"), {.unit = "pixels"}),
+    Field(HALVENOR_FIELD(frameDelay), SettingType::Integer, 0, 1000000, Screen, 0,
+          HALVENOR_LABEL("Frame Rate"), {.unit = "microseconds", .measure = &kFramesPerSecond}),
 };
+#undef HALVENOR_LABEL
 #undef HALVENOR_FIELD
 
 struct FlagWord {
@@ -123,7 +184,7 @@ std::string Wanted(const SettingField& field, std::string_view text) {
     message += "three numbers R,G,B from " + range;
     break;
   case SettingType::Integer:
-    for (const std::string_view choice : field.choices)
+    for (const char* choice : field.choices)
       message += std::string(choice) + ", ";
     message += (field.choices.empty() ? "a whole number from " : "or a number from ") + range;
     break;
@@ -186,6 +247,10 @@ const Settings& DefaultSettings() {
 
 std::span<const SettingField> SettingFields() {
   return kFields;
+}
+
+const char* GroupTitle(SettingGroup group) {
+  return kGroupTitles[static_cast<std::size_t>(group)];
 }
 
 const SettingField* FindSetting(std::string_view name) {

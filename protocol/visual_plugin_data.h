@@ -11,9 +11,6 @@
 
 namespace halvenor {
 
-/// A display time of a message line that means "until changed".
-inline constexpr std::int32_t kShownUntilChanged = 999999;
-
 /// Made zero-filled by the handler on 'init', released on 'clr '. The host holds its address as
 /// the reference constant of later messages. Only `settings` outlives it, in the host's store.
 /// Every access needs the plug-in's lock; from outside the plug-in, `RecordGuard`.

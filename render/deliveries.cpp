@@ -1,21 +1,20 @@
 #include "render/deliveries.h"
 
-#include "host/audio_reader.h"
+#include "audio/audio_reader.h"
+#include "files/file_bytes.h"
 #include "render/stop_signals.h"
 #include "render/time_line.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
+#include <fcntl.h>
 #include <limits>
-#include <system_error>
 #include <utility>
 
 namespace halvenor::render {
 namespace {
 
+constexpr std::int64_t kRecordBytes = sizeof(RenderVisualData);
 constexpr double kSecondsPerRecord = kDeliveryMilliseconds / 1000.0;
 
 std::uint64_t Nanoseconds(double seconds) {
@@ -33,7 +32,7 @@ std::unique_ptr<AudioReader> OpenSound(const std::string& input, double start,
   return AudioReader::Open(input,
                            {.startSeconds = start,
                             .durationSeconds = duration,
-                            .cancelled = [] { return StopSignals::Arrived() != 0; }},
+                            .cancelled = [] { return StopSignals::HaveArrived(); }},
                            error);
 }
 
@@ -43,7 +42,6 @@ public:
   AnalysedDeliveries(std::unique_ptr<AudioReader> reader, std::uint64_t limit)
       : reader_(std::move(reader)), limit_(limit) {}
 
-  [[nodiscard]] const MediaTags* Tags() const override { return &reader_->Tags(); }
   [[nodiscard]] std::optional<double> Length() const override { return reader_->Length(); }
   [[nodiscard]] std::string Error() const override { return reader_->Error(); }
 
@@ -60,6 +58,8 @@ public:
   }
 
 private:
+  [[nodiscard]] const AudioReader* Sound() const override { return reader_.get(); }
+
   const std::unique_ptr<AudioReader> reader_;
   const std::uint64_t limit_;
   Delivery delivery_{};
@@ -70,9 +70,6 @@ class StoredDeliveries final : public Deliveries {
 public:
   static std::unique_ptr<Deliveries> Open(const Options& options, std::string& error);
 
-  [[nodiscard]] const MediaTags* Tags() const override {
-    return sound_ ? &sound_->Tags() : nullptr;
-  }
   [[nodiscard]] std::optional<double> Length() const override {
     return static_cast<double>(end_) / kNanosecondsPerSecond;
   }
@@ -80,8 +77,11 @@ public:
   const Delivery* Next() override;
 
 private:
+  [[nodiscard]] const AudioReader* Sound() const override { return sound_.get(); }
+
   std::string name_;
-  std::ifstream file_;
+  OpenedFile file_;
+  std::uint64_t first_ = 0; ///< the first record in the file that is delivered
   std::unique_ptr<AudioReader> sound_;
   bool soundEnded_ = false;
   std::uint64_t end_ = 0; ///< nanoseconds
@@ -91,20 +91,16 @@ private:
 };
 
 std::unique_ptr<Deliveries> StoredDeliveries::Open(const Options& options, std::string& error) {
-  namespace fs = std::filesystem;
   const std::string& name = options.recordsFile;
   const auto fail = [&](const std::string& reason) {
     error = "cannot use the records " + name + ": " + reason;
     return nullptr;
   };
-  std::error_code failed;
-  if (fs::is_directory(name, failed)) return fail("it is a folder");
   auto self = std::make_unique<StoredDeliveries>();
   self->name_ = name;
-  self->file_.open(name, std::ios::binary);
-  if (!self->file_) return fail(std::generic_category().message(errno));
-  const std::uint64_t size = fs::file_size(name, failed);
-  if (failed) return fail(failed.message());
+  self->file_ = OpenRegularFile(AT_FDCWD, name, Links::Follow, kAnySize);
+  if (!self->file_) return fail(self->file_.Reason());
+  const std::uint64_t size = self->file_.size;
   if (size == 0 || size % sizeof(RenderVisualData) != 0)
     return fail("its " + std::to_string(size) + " bytes are not whole records of " +
                 std::to_string(sizeof(RenderVisualData)) + " bytes");
@@ -113,7 +109,7 @@ std::unique_ptr<Deliveries> StoredDeliveries::Open(const Options& options, std::
   const std::uint64_t count = size / sizeof(RenderVisualData);
   const std::uint64_t first = RecordAt(Nanoseconds(options.startSeconds));
   if (first >= count) return fail("they end before --start");
-  self->file_.seekg(static_cast<std::streamoff>(first * sizeof(RenderVisualData)));
+  self->first_ = first;
   self->end_ = std::min((count - first) * kNanosecondsPerRecord, Limit(options));
   if (options.input.empty()) return self;
   self->sound_ = OpenSound(options.input, static_cast<double>(first) * kSecondsPerRecord,
@@ -124,8 +120,9 @@ std::unique_ptr<Deliveries> StoredDeliveries::Open(const Options& options, std::
 const Delivery* StoredDeliveries::Next() {
   const std::uint64_t begin = index_ * kNanosecondsPerRecord;
   if (begin >= end_) return nullptr;
-  ++index_;
-  if (!file_.read(reinterpret_cast<char*>(&delivery_.record), sizeof delivery_.record)) {
+  const std::uint64_t position = (first_ + index_++) * sizeof delivery_.record;
+  if (ReadAt(file_.descriptor.Get(), position,
+             std::as_writable_bytes(std::span(&delivery_.record, 1))) < kRecordBytes) {
     error_ = "cannot read the records " + name_;
     return nullptr;
   }
@@ -145,11 +142,25 @@ const Delivery* StoredDeliveries::Next() {
 
 } // namespace
 
+const MediaTags* Deliveries::Tags() const {
+  return Sound() ? &Sound()->Tags() : nullptr;
+}
+
+std::string Deliveries::Warning() const {
+  const std::optional<MissingSound> missing = Sound() ? Sound()->Missing() : std::nullopt;
+  return missing ? DescribeMissingSound(input_, *missing) : "";
+}
+
 std::unique_ptr<Deliveries> Deliveries::Open(const Options& options, std::string& error) {
-  if (!options.recordsFile.empty()) return StoredDeliveries::Open(options, error);
-  auto reader = OpenSound(options.input, options.startSeconds, options.durationSeconds, error);
-  if (!reader) return nullptr;
-  return std::make_unique<AnalysedDeliveries>(std::move(reader), Limit(options));
+  std::unique_ptr<Deliveries> deliveries;
+  if (!options.recordsFile.empty()) {
+    deliveries = StoredDeliveries::Open(options, error);
+  } else if (auto reader =
+                 OpenSound(options.input, options.startSeconds, options.durationSeconds, error)) {
+    deliveries = std::make_unique<AnalysedDeliveries>(std::move(reader), Limit(options));
+  }
+  if (deliveries) deliveries->input_ = options.input;
+  return deliveries;
 }
 
 } // namespace halvenor::render

@@ -1,10 +1,11 @@
 // halvenor-render: sound in, moving pictures out.
+#include "files/pending_file.h"
+#include "files/printable.h"
 #include "host/install_paths.h"
 #include "render/deliveries.h"
 #include "render/offscreen_show.h"
 #include "render/options.h"
 #include "render/output.h"
-#include "render/pending_file.h"
 #include "render/preset_choice.h"
 #include "render/progress.h"
 #include "render/stop_signals.h"
@@ -25,8 +26,12 @@ namespace {
 constexpr int kFailure = 1;
 constexpr int kSignalBase = 128;
 
+void Tell(const std::string& line) {
+  std::fprintf(stderr, "halvenor-render: %s\n", Printable(line, kMessageCharacters).c_str());
+}
+
 int Fail(int exitCode, const std::string& error) {
-  std::fprintf(stderr, "halvenor-render: %s\n", error.c_str());
+  Tell(error);
   return exitCode;
 }
 
@@ -43,12 +48,12 @@ bool SameFile(const std::string& one, const std::string& other) {
   return std::filesystem::equivalent(one, other, none);
 }
 
-/// One rendering, from its open ends to its last frame.
+/// One run of the program.
 class Run {
 public:
   explicit Run(const Options& options) : options_(options) {}
 
-  /// Opens everything, outputs first: what cannot be written is found out before any work.
+  /// Opens outputs, then inputs: an output that cannot be written fails before any work.
   bool Open(int frames);
   /// Everything up to the end of the sound or the first stop signal.
   bool Perform();
@@ -56,6 +61,8 @@ public:
   bool Finish();
 
   [[nodiscard]] const std::string& Error() const { return error_; }
+  /// What there is to say although everything was written; empty when there is nothing.
+  [[nodiscard]] std::string Warning() const { return deliveries_->Warning(); }
 
 private:
   bool Dump(const RenderVisualData& record);
@@ -65,7 +72,7 @@ private:
   const Options& options_;
   std::string error_;
   std::unique_ptr<Output> output_; ///< null when only records are wanted
-  std::optional<PendingFile> dump_;
+  PendingFile dump_;               ///< none: no records are wanted
   std::unique_ptr<Deliveries> deliveries_;
   std::unique_ptr<OffscreenShow> show_;
   std::optional<Progress> progress_;
@@ -81,8 +88,10 @@ bool Run::Open(int frames) {
   if (!options_.output.empty() &&
       !(output_ = OpenOutput(options_, !options_.input.empty(), frames, error_)))
     return false;
-  if (!options_.dumpFile.empty() && !(dump_ = PendingFile::Create(options_.dumpFile, error_)))
+  if (!options_.dumpFile.empty() && !(dump_ = PendingFile::Create(options_.dumpFile))) {
+    error_ = dump_.Problem();
     return false;
+  }
   if (!(deliveries_ = Deliveries::Open(options_, error_))) return false;
   if (output_) {
     if (!(show_ = OffscreenShow::Open(options_, error_))) return false;
@@ -93,7 +102,11 @@ bool Run::Open(int frames) {
 }
 
 bool Run::Dump(const RenderVisualData& record) {
-  return !dump_ || dump_->Write(std::as_bytes(std::span(&record, 1)), error_);
+  if (!dump_) return true;
+  const StopSignals::Interruptible interruptible;
+  if (dump_.Write(std::as_bytes(std::span(&record, 1)), StopSignals::HaveArrived)) return true;
+  error_ = dump_.Problem();
+  return false;
 }
 
 // A key acts on the first frame that is not before its time.
@@ -149,7 +162,9 @@ bool Run::Finish() {
     error_ = output_->Error();
     return false;
   }
-  return !dump_ || dump_->Commit(error_);
+  if (!dump_ || dump_.Commit()) return true;
+  error_ = dump_.Problem();
+  return false;
 }
 
 int Main(int argc, const char* const* argv) {
@@ -169,7 +184,10 @@ int Main(int argc, const char* const* argv) {
   const int frames = TakeStandardOutput();
   try {
     Run run(options);
-    if (run.Open(frames) && run.Perform() && run.Finish()) return 0;
+    if (run.Open(frames) && run.Perform() && run.Finish()) {
+      if (const std::string warning = run.Warning(); !warning.empty()) Tell(warning);
+      return 0;
+    }
     error = run.Error();
   } catch (const std::bad_alloc&) {
     error = "there is not enough memory for frames of this size";

@@ -1,9 +1,10 @@
 #include "render/offscreen_show.h"
 
-#include "config/look.h"
 #include "host/install_paths.h"
 #include "host/plugin_module.h"
 #include "platform/clock.h"
+#include "platform/gl_choice.h"
+#include "presets/look.h"
 #include "render/time_line.h"
 
 #include <cstring>
@@ -23,7 +24,7 @@ std::span<std::byte> BytesOf(Settings& settings) {
 } // namespace
 
 OffscreenShow::OffscreenShow(const Options& options)
-    : log_(LogCapture::Echo::Off, "halvenor-render") {
+    : log_(LogCapture::Echo::Nothing, "halvenor-render") {
   if (options.preferencesFolder.empty())
     preferences_ = std::make_unique<MemoryPreferenceStore>();
   else
@@ -52,6 +53,7 @@ std::string OffscreenShow::Because() {
 }
 
 bool OffscreenShow::Start(const Options& options, std::string& error) {
+  if (const auto choice = GlChoiceFrom(options.gl)) ChooseGl(*choice);
   const auto module =
       PluginModule::Load(options.pluginPath.empty() ? InstalledPluginPath()
                                                     : std::filesystem::path(options.pluginPath),
@@ -79,37 +81,45 @@ bool OffscreenShow::Start(const Options& options, std::string& error) {
         "the plug-in cannot open its display (status " + std::to_string(result) + ")" + Because();
     return false;
   }
-  // Showing drew a frame and the plug-in's thread draws another before it first sleeps. Neither is
-  // part of the film.
-  if (clock::WaitUntilParked() == clock::StepResult::Frame) return true;
-  error = "the plug-in draws no frames" + Because();
-  return false;
+  // 'show' draws a frame and the plug-in's thread draws another before its first sleep. Neither is
+  // part of the output.
+  if (clock::WaitUntilParked() != clock::StepResult::Frame) {
+    error = "the plug-in draws no frames" + Because();
+    return false;
+  }
+  log_.StartEcho(options.verbose ? LogCapture::Echo::Everything : LogCapture::Echo::Errors);
+  log_.TakeText(); // has been shown
+  return true;
 }
 
-// Gives the plug-in the stored block, or the defaults, with the look and then the settings of the
-// command line.
+// Gives the plug-in the stored block, or defaults without the frame rate, with the look and
+// then the settings of the command line.
 void OffscreenShow::LoadSettings(const Options& options) {
-  if (!options.look && options.assignments.empty()) return;
   Settings settings{};
   std::size_t size = 0;
   const std::string& name = plugin_->Registration().name;
   const Status result = preferences_->Read(name, BytesOf(settings), size);
-  if (result != status::kOk || size == 0 || settings.settingsVersion != kSettingsVersion)
+  const bool isStored = result != status::kOk || size > 0;
+  const bool isOurs = plugin_->Registration().creator == kSettingsCreator;
+  if ((isStored || !isOurs) && !options.look && options.assignments.empty()) return;
+  if (result != status::kOk || size == 0 || settings.settingsVersion != kSettingsVersion) {
     settings = DefaultSettings();
+    settings.showFrameRate = 0;
+  }
   if (options.look) {
     CopyLook(*options.look, settings);
     settings.autopilot = 0; // it would leave the look at once
   }
   for (const Assignment& assignment : options.assignments)
     SetFromText(settings, *assignment.field, assignment.value);
-  // From here on in memory: a look that is tried out is not what the store is to remember.
+  // In memory, so that settings of the command line are not stored.
   preferences_ = std::make_unique<MemoryPreferenceStore>();
   preferences_->Write(name, BytesOf(settings));
 }
 
 void OffscreenShow::Play(const std::string& title, const std::string& artist) {
-  TrackInfo track = MakeTrackInfo(title, artist);
-  plugin_->Play(&track, nullptr);
+  TrackRecords records = MakeTrackRecords(title, artist);
+  plugin_->Play(records.Track(), records.Stream());
 }
 
 void OffscreenShow::Deliver(const RenderVisualData& record) {

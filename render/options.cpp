@@ -19,7 +19,7 @@ namespace halvenor::render {
 namespace {
 
 constexpr int kMaxSide = 32767;     // a rectangle's coordinates are 16 bits wide
-constexpr double kMaxSeconds = 1e9; // some thirty years
+constexpr double kMaxSeconds = 1e9; // about 30 years
 constexpr double kMaxFramesPerSecond = 1000;
 constexpr double kMinFramesPerSecond = 0.01;
 constexpr int kUsageError = 2;
@@ -76,9 +76,12 @@ Problem ParseFrameRate(const std::string& text, Options& options) {
 
 Problem CheckTimes(const Options& options) {
   const auto bad = [](double seconds) { return !(seconds >= 0 && seconds <= kMaxSeconds); };
-  if (bad(options.startSeconds)) return "--start: must be 0 or more seconds";
-  if (options.durationSeconds && (bad(*options.durationSeconds) || *options.durationSeconds == 0))
-    return "--duration: must be more than 0 seconds";
+  const std::string most = " and at most 1000000000 seconds";
+  if (bad(options.startSeconds)) return "--start: must be at least 0" + most;
+  constexpr double kShortest = 1e-9; // seconds
+  if (options.durationSeconds &&
+      (bad(*options.durationSeconds) || *options.durationSeconds < kShortest))
+    return "--duration: must be more than 0" + most;
   return std::nullopt;
 }
 
@@ -200,7 +203,8 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   app.add_flag("--list-presets", options.listPresets,
                "Print the names of all presets, one a line, and end");
   app.add_option("--set", assignments,
-                 "A setting, repeatable, made after the preset: " + SettingNames())
+                 "A setting, repeatable, made after the preset; showFrameRate is off without it: " +
+                     SettingNames())
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
   app.add_option("--keys", keys,
@@ -216,11 +220,18 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   app.add_option("--preferences", options.preferencesFolder,
                  "Where the preference store lies; default: none")
       ->type_name("DIR");
+  app.add_option("--gl", options.gl,
+                 "Who draws: this program on the processor, or the installed OpenGL driver")
+      ->type_name("cpu|driver")
+      ->check(CLI::IsMember({"cpu", "driver"}));
   app.add_option("--plugin", options.pluginPath, "Another plug-in: a bundle or a module")
       ->type_name("PATH");
   auto* const progressFlag =
       app.add_flag("--progress", always, "Report progress, also where there is no terminal");
-  app.add_flag("--quiet", quiet, "Report nothing but errors")->excludes(progressFlag);
+  auto* const quietFlag =
+      app.add_flag("--quiet", quiet, "Report nothing but errors")->excludes(progressFlag);
+  app.add_flag("--verbose", options.verbose, "Also show everything that the visualizer logs")
+      ->excludes(quietFlag);
 
   try {
     app.parse(argc, argv);

@@ -45,8 +45,10 @@ struct Options {
   std::string recordsFile;
   std::string dumpFile;
   std::string preferencesFolder;
+  std::string gl;         ///< "cpu" or "driver"; empty: chosen by the platform layer
   std::string pluginPath; ///< empty: the plug-in that belongs to this program
   ProgressKind progress = ProgressKind::Automatic;
+  bool verbose = false; ///< shows everything that the plug-in logs, not only errors
 };
 
 /// Why a program ends before it has begun.

@@ -47,8 +47,7 @@ protected:
 std::unique_ptr<Output> OpenOutput(const Options& options, bool hasSound, int frames,
                                    std::string& error);
 
-// The kinds of output behind it.
-std::unique_ptr<Output> OpenRawOutput(const Options& options, int frames, std::string& error);
+// The outputs with a file of their own.
 std::unique_ptr<Output> OpenPictureOutput(const Options& options, std::string& error);
 std::unique_ptr<Output> OpenVideoOutput(const Options& options, bool hasSound, std::string& error);
 

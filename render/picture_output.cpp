@@ -1,6 +1,7 @@
 // PNG pictures: the last frame, or every frame under a number.
+#include "files/pending_file.h"
+#include "files/released_by.h"
 #include "render/output.h"
-#include "render/pending_file.h"
 
 #include <png.h>
 
@@ -8,17 +9,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace halvenor::render {
 namespace {
-
-struct CloseStream {
-  void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
 
 // `pattern` with its %d, %05d, ... replaced by `number` and %% by a percent sign. What may stand in
 // a pattern was settled with the command line.
@@ -58,11 +54,16 @@ public:
 protected:
   // Writes the frame into `file`, without its alpha: what was drawn is all there is to see.
   bool Encode(PendingFile& file) {
+    if (!file) {
+      error_ = file.Problem();
+      return false;
+    }
     opaque_.resize(frame_.size() / 4 * 3);
     for (std::size_t i = 0, j = 0; i < frame_.size(); i += 4, j += 3)
       std::copy_n(frame_.begin() + static_cast<std::ptrdiff_t>(i), 3,
                   opaque_.begin() + static_cast<std::ptrdiff_t>(j));
-    const std::unique_ptr<std::FILE, CloseStream> stream(fdopen(dup(file.Descriptor()), "wb"));
+    const std::unique_ptr<std::FILE, ReleasedBy<std::fclose>> stream(
+        fdopen(dup(file.Descriptor()), "wb"));
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
     image.width = static_cast<png_uint_32>(width_);
@@ -74,6 +75,12 @@ protected:
       return true;
     error_ = errno != 0 ? CannotWrite(file.Name(), errno)
                         : "cannot write " + file.Name() + ": " + image.message;
+    return false;
+  }
+
+  bool Commit(PendingFile& file) {
+    if (file.Commit()) return true;
+    error_ = file.Problem();
     return false;
   }
 
@@ -91,7 +98,7 @@ public:
       : PictureOutput(options), file_(std::move(file)) {}
 
   bool FinishFrame() override { return true; }
-  bool Finish() override { return Encode(file_) && file_.Commit(error_); }
+  bool Finish() override { return Encode(file_) && Commit(file_); }
 
 private:
   PendingFile file_;
@@ -100,15 +107,15 @@ private:
 class NumberedPicturesOutput final : public PictureOutput {
 public:
   NumberedPicturesOutput(const Options& options, PendingFile first)
-      : PictureOutput(options), pattern_(options.output) {
-    file_.emplace(std::move(first));
-  }
+      : PictureOutput(options), pattern_(options.output), file_(std::move(first)) {}
 
   bool FinishFrame() override {
-    if (!file_) file_ = PendingFile::Create(Numbered(pattern_, number_), error_);
+    if (number_ > 0)
+      file_ = PendingFile::Create(Numbered(pattern_, number_), PendingFile::kUsualMode,
+                                  PendingFile::Leftovers::Keep);
     ++number_;
-    const bool written = file_ && Encode(*file_) && file_->Commit(error_);
-    file_.reset();
+    const bool written = Encode(file_) && Commit(file_);
+    file_ = PendingFile();
     return written;
   }
   bool Finish() override { return true; }
@@ -116,18 +123,20 @@ public:
 private:
   const std::string pattern_;
   std::uint64_t number_ = 0;
-  std::optional<PendingFile> file_; ///< of the next frame, when it is open already
+  PendingFile file_; ///< of the next frame
 };
 
 } // namespace
 
 std::unique_ptr<Output> OpenPictureOutput(const Options& options, std::string& error) {
   const bool numbered = options.outputKind == OutputKind::NumberedPictures;
-  std::optional<PendingFile> first =
-      PendingFile::Create(numbered ? Numbered(options.output, 0) : options.output, error);
-  if (!first) return nullptr;
-  if (numbered) return std::make_unique<NumberedPicturesOutput>(options, std::move(*first));
-  return std::make_unique<LastPictureOutput>(options, std::move(*first));
+  PendingFile first = PendingFile::Create(numbered ? Numbered(options.output, 0) : options.output);
+  if (!first) {
+    error = first.Problem();
+    return nullptr;
+  }
+  if (numbered) return std::make_unique<NumberedPicturesOutput>(options, std::move(first));
+  return std::make_unique<LastPictureOutput>(options, std::move(first));
 }
 
 } // namespace halvenor::render

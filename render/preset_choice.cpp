@@ -1,7 +1,8 @@
 #include "render/preset_choice.h"
 
-#include "config/preset_library.h"
-#include "config/preset_names.h"
+#include "files/printable.h"
+#include "presets/preset_library.h"
+#include "presets/preset_names.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -41,7 +42,7 @@ FileWish SplitFileWish(const std::string& wish) {
   return {wish, ""};
 }
 
-// How many letters must change to make one text of the other.
+// The edit distance (Levenshtein).
 std::size_t Distance(const std::string& one, const std::string& other) {
   std::vector<std::size_t> row(other.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
@@ -64,7 +65,7 @@ std::string Listed(const Names& names, std::size_t most) {
   return list;
 }
 
-// The end of a sentence that proposes what may have been meant.
+// The end of an error message: similar names.
 std::string Proposal(const std::string& wish, const Names& names) {
   const std::string wanted = Folded(wish);
   std::vector<std::pair<std::size_t, std::string>> near;
@@ -113,7 +114,7 @@ std::string Remarks(const Preset& preset) {
   std::string remarks;
   if (preset.origin == Preset::Origin::Own) remarks = "own";
   if (preset.origin == Preset::Origin::ChangedFactory) remarks = "changed";
-  if (preset.favourite) remarks += remarks.empty() ? "favourite" : ", favourite";
+  if (preset.favourite) remarks += remarks.empty() ? "favorite" : ", favorite";
   return remarks.empty() ? "" : "\t" + remarks;
 }
 
@@ -128,7 +129,7 @@ std::optional<Settings> ChoosePreset(const std::string& wish, const fs::path& pl
   }
   PresetLibrary library = LibraryBeside(plugin);
   library.Load();
-  // A changed preset that cannot be read must not pass for the one that it changed.
+  // If a changed factory preset cannot be read, the original must not be used in its place.
   if (const std::string* const unreadable = library.Unreadable(wish)) {
     error = "--preset: " + *unreadable;
     return std::nullopt;
@@ -144,9 +145,9 @@ std::optional<Settings> ChoosePreset(const std::string& wish, const fs::path& pl
 bool ListPresets(const fs::path& plugin) {
   PresetLibrary library = LibraryBeside(plugin);
   for (const std::string& problem : library.Load())
-    std::fprintf(stderr, "halvenor-render: %s\n", problem.c_str());
+    std::fprintf(stderr, "halvenor-render: %s\n", Printable(problem, kMessageCharacters).c_str());
   for (const Preset& preset : library.Presets())
-    std::printf("%s%s\n", preset.name.c_str(), Remarks(preset).c_str());
+    std::printf("%s%s\n", Printable(preset.name).c_str(), Remarks(preset).c_str());
   return std::fflush(stdout) == 0;
 }
 

@@ -56,7 +56,7 @@ void Progress::Update(double seconds) {
   if (now < next_ && !whole) return;
   next_ = now + (style_ == Style::Bar ? Clock::duration(100ms) : Clock::duration(2s));
   const std::string line = Line(seconds, now - start_);
-  // Back to the line's start, and clear what a longer line may have left behind it.
+  // Return to the start of the line, and clear the rest of a longer one.
   std::fprintf(stderr, style_ == Style::Bar ? "\r%s\x1b[K" : "%s\n", line.c_str());
   drawn_ = true;
 }

@@ -1,4 +1,4 @@
-// What a video file says of its own making.
+// The creation times in a video file.
 #pragma once
 
 #include <string>

@@ -1,8 +1,9 @@
 // Video files with sound, encoded and multiplexed by GStreamer.
-#include "host/analyser.h"
-#include "host/gst_media.h"
+#include "audio/analyser.h"
+#include "audio/gst_media.h"
+#include "files/pending_file.h"
+#include "files/released_by.h"
 #include "render/output.h"
-#include "render/pending_file.h"
 #include "render/stop_signals.h"
 #include "render/video_file_times.h"
 
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <optional>
 #include <utility>
 
 namespace halvenor::render {
@@ -101,7 +101,7 @@ private:
   Bus bus_;
   Element frames_;
   Element sound_; ///< null without sound, and when it has ended
-  std::unique_ptr<GstBufferPool, gst_media::ReleasedBy<gst_object_unref>> pool_;
+  std::unique_ptr<GstBufferPool, ReleasedBy<gst_object_unref>> pool_;
   GstBuffer* frame_ = nullptr; ///< being filled in, mapped as `map_`
   GstMapInfo map_{};
   std::uint64_t frameCount_ = 0;
@@ -127,7 +127,7 @@ bool VideoOutput::Fail(GstMessage* message) {
   GError* raw = nullptr;
   gchar* rawDetails = nullptr;
   gst_message_parse_error(message, &raw, &rawDetails);
-  const std::unique_ptr<GError, gst_media::ReleasedBy<g_error_free>> problem(raw);
+  const std::unique_ptr<GError, ReleasedBy<g_error_free>> problem(raw);
   const gst_media::Text details(rawDetails);
   if (g_error_matches(raw, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT))
     return Fail(CannotWrite(file_.Name(), ENOSPC));
@@ -164,7 +164,7 @@ bool VideoOutput::Start(bool hasSound) {
   GError* raw = nullptr;
   pipeline_.reset(gst_parse_launch_full(Describe(format, hasSound).c_str(), nullptr,
                                         GST_PARSE_FLAG_FATAL_ERRORS, &raw));
-  const std::unique_ptr<GError, gst_media::ReleasedBy<g_error_free>> problem(raw);
+  const std::unique_ptr<GError, ReleasedBy<g_error_free>> problem(raw);
   if (!pipeline_)
     return Fail("cannot encode " + file_.Name() + ": " + problem->message +
                 " (a GStreamer plug-in is missing)");
@@ -269,15 +269,18 @@ bool VideoOutput::Finish() {
   gst_element_set_state(pipeline_.get(), GST_STATE_NULL); // closes the file
   if (options_.outputKind == OutputKind::Mp4 && !ClearMp4Times(file_.Descriptor()))
     return Fail(CannotWrite(file_.Name(), errno));
-  return file_.Commit(error_);
+  return file_.Commit() || Fail(file_.Problem());
 }
 
 } // namespace
 
 std::unique_ptr<Output> OpenVideoOutput(const Options& options, bool hasSound, std::string& error) {
-  std::optional<PendingFile> file = PendingFile::Create(options.output, error);
-  if (!file) return nullptr;
-  auto output = std::make_unique<VideoOutput>(options, std::move(*file));
+  PendingFile file = PendingFile::Create(options.output);
+  if (!file) {
+    error = file.Problem();
+    return nullptr;
+  }
+  auto output = std::make_unique<VideoOutput>(options, std::move(file));
   if (output->Start(hasSound)) return output;
   error = output->Error();
   return nullptr;

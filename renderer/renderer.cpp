@@ -2,11 +2,10 @@
 
 #include "gl/diagnostics.h"
 #include "gl/textured_quad.h"
-#include "renderer/font_system.h"
+#include "gl_calls/gl.h"
+#include "renderer/surface/font_system.h"
 #include "scene/interval.h"
 #include "scene/numeric.h"
-
-#include <GL/gl.h>
 
 #include <algorithm>
 #include <cmath>
@@ -17,16 +16,17 @@ namespace {
 constexpr float kFirstFps = 20.0F;
 constexpr float kFirstFrameScale = 1.0F;
 
-// Without offscreen buffers the lines are all there is: drawn over themselves, they are bright
+// Without offscreen buffers there is no feedback: the lines are drawn several times to be bright
 // enough.
 constexpr int kDirectDrawings = 3;
 
 constexpr double kDegree = 3.1415829 / 180;
 
-// Between these a smoothed zoom has its copies. Beyond the upper one each would be fainter than
-// one step of an 8-bit buffer, so that no more than this is ever seen.
+// Between these a smoothed zoom has its copies. The settings window's zooms need 22 at most; with
+// the others, of a stored block, more copies would only be fainter, and cost the time of as many
+// pictures.
 constexpr int kFewestCopies = 2;
-constexpr int kMostCopies = 256;
+constexpr int kMostCopies = 32;
 
 // By how much the feedback image grows in a twentieth of a second. Loud passages push outward, the
 // long-term loudness pulls back.

@@ -5,7 +5,7 @@
 #include "platform/carbon.h"
 #include "protocol/visual_plugin_data.h"
 #include "renderer/configuration_actions.h"
-#include "renderer/display.h"
+#include "renderer/surface/display.h"
 #include "scene/logo_overlay.h"
 #include "scene/spectrum.h"
 
@@ -16,7 +16,7 @@
 namespace halvenor {
 
 /// Made once when the plug-in registers, opened and closed many times. Every operation needs the
-/// plug-in's lock; `Open`, `Close` and `Resize` run on the host's thread, and none of the first two
+/// plug-in's lock; `Open`, `Close` and `Resize` run on the host's thread, `Open` and `Close` never
 /// while a frame is drawn.
 class Renderer {
 public:
@@ -98,7 +98,7 @@ private:
   std::int32_t inFrame = 0; ///< raised while a frame is drawn
   std::int32_t showSettings = 0;
   std::int32_t showHelp = 0;
-  std::string message;      ///< what the last command said
+  std::string message;      ///< feedback of the last command
   float messageTime = 0.0F; ///< seconds it stays
   AbsoluteTime lastFrameTime;
   float fps = 0.0F;

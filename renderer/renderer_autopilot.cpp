@@ -37,28 +37,38 @@ float RandomNumLines() {
   return lines > 7.0F ? RandomSource::Unit() * 100.0F : lines;
 }
 
-/// The values that drift, in the order of their targets.
-struct DriftingValue {
-  std::size_t offset; ///< bytes into the settings
-  float (*draw)();
+// One for each value that drifts, in the order of the targets: the numbers of a look as they are
+// stored, a color being three of them.
+enum Value : std::size_t { kIntensity, kFade, kZoom, kZoomRotation, kNumLines, kFirstColor };
+float (*const kDraws[Renderer::kDriftingValueCount])() = {
+    RandomIntensity,    RandomFade,         RandomZoom,         RandomZoomRotation,
+    RandomNumLines,     RandomSource::Unit, RandomSource::Unit, RandomSource::Unit,
+    RandomSource::Unit, RandomSource::Unit, RandomSource::Unit,
 };
-constexpr DriftingValue kDriftingValues[Renderer::kDriftingValueCount] = {
-    {offsetof(Settings, intensity), RandomIntensity},
-    {offsetof(Settings, fade), RandomFade},
-    {offsetof(Settings, zoom), RandomZoom},
-    {offsetof(Settings, zoomRotation), RandomZoomRotation},
-    {offsetof(Settings, numLines), RandomNumLines},
-    {offsetof(Settings, innerColor.red), RandomSource::Unit},
-    {offsetof(Settings, innerColor.green), RandomSource::Unit},
-    {offsetof(Settings, innerColor.blue), RandomSource::Unit},
-    {offsetof(Settings, outerColor.red), RandomSource::Unit},
-    {offsetof(Settings, outerColor.green), RandomSource::Unit},
-    {offsetof(Settings, outerColor.blue), RandomSource::Unit},
-};
-enum : std::size_t { kIntensity, kFade, kZoom, kZoomRotation, kNumLines, kFirstColor };
 
-float& ValueOf(Settings& settings, const DriftingValue& value) {
-  return *reinterpret_cast<float*>(reinterpret_cast<std::byte*>(&settings) + value.offset);
+struct DriftingValue {
+  std::size_t offset; // bytes into the settings
+  bool angle;
+};
+
+const auto& DriftingValues() {
+  static const auto values = [] {
+    std::array<DriftingValue, Renderer::kDriftingValueCount> all{};
+    std::size_t count = 0;
+    for (const SettingField& field : SettingFields()) {
+      const bool color = field.type == SettingType::Color;
+      if (!color && field.type != SettingType::Real) continue;
+      for (std::size_t i = 0; i < (color ? 3U : 1U); ++i)
+        all.at(count++) = {field.offset + i * sizeof(float), field.angle};
+    }
+    return all;
+  }();
+  return values;
+}
+
+float& ValueOf(Settings& settings, std::size_t value) {
+  return *reinterpret_cast<float*>(reinterpret_cast<std::byte*>(&settings) +
+                                   DriftingValues()[value].offset);
 }
 
 // The picture flows outward almost along one axis alone.
@@ -85,7 +95,7 @@ template <typename Set>
 void Correct(const Settings& settings, const Set& set) {
   if (settings.fade < 0.1F && IsSteepZoom(settings)) {
     for (const std::size_t value : {kFade, kZoomRotation, kZoom})
-      if (RandomSource::Chance(0.01)) set(value, kDriftingValues[value].draw());
+      if (RandomSource::Chance(0.01)) set(value, kDraws[value]());
   }
   if (!IsDark(settings)) return;
   for (std::size_t value = kFirstColor; value < Renderer::kDriftingValueCount; ++value)
@@ -112,13 +122,12 @@ float DriftAngle(float value, float target) {
 
 void Renderer::RandomizeSettings(VisualPluginData* data) {
   Settings& settings = data->settings;
-  for (const DriftingValue& value : kDriftingValues)
-    ValueOf(settings, value) = value.draw();
+  for (std::size_t i = 0; i < kDriftingValueCount; ++i)
+    ValueOf(settings, i) = kDraws[i]();
   for (std::int32_t* flag : {&settings.smoothing, &settings.sharpOverlay, &settings.colorCycle})
     *flag = RandomSource::Chance(0.5) ? 0 : 1;
-  Correct(settings, [&settings](std::size_t value, float drawn) {
-    ValueOf(settings, kDriftingValues[value]) = drawn;
-  });
+  Correct(settings,
+          [&settings](std::size_t value, float drawn) { ValueOf(settings, value) = drawn; });
 }
 
 void Renderer::UpdateSettings(VisualPluginData* data) {
@@ -127,7 +136,7 @@ void Renderer::UpdateSettings(VisualPluginData* data) {
   Settings& settings = data->settings;
   if (firstTime != 0) {
     for (std::size_t i = 0; i < kDriftingValueCount; ++i)
-      autopilotTargets[i] = ValueOf(settings, kDriftingValues[i]);
+      autopilotTargets[i] = ValueOf(settings, i);
     firstTime = 0;
   }
   timeUntilUpdate -= 1.0F / fps; // in single precision: at 20 and 60 frames a second it meets 0
@@ -135,10 +144,10 @@ void Renderer::UpdateSettings(VisualPluginData* data) {
   timeUntilUpdate = kUpdateInterval;
 
   for (std::size_t i = 0; i < kDriftingValueCount; ++i) {
-    if (RandomSource::Chance(0.005)) autopilotTargets[i] = kDriftingValues[i].draw();
-    float& value = ValueOf(settings, kDriftingValues[i]);
-    value = i == kZoomRotation ? DriftAngle(value, autopilotTargets[i])
-                               : Drift(value, autopilotTargets[i]);
+    if (RandomSource::Chance(0.005)) autopilotTargets[i] = kDraws[i]();
+    float& value = ValueOf(settings, i);
+    const auto drift = DriftingValues()[i].angle ? DriftAngle : Drift;
+    value = drift(value, autopilotTargets[i]);
   }
   for (std::int32_t* flag : {&settings.smoothing, &settings.sharpOverlay})
     if (RandomSource::Chance(0.001)) *flag ^= 1;

@@ -1,8 +1,7 @@
 // The texts over the picture.
-#include "renderer/font_system.h"
+#include "gl_calls/gl.h"
 #include "renderer/renderer.h"
-
-#include <GL/gl.h>
+#include "renderer/surface/font_system.h"
 
 #include <cstdio>
 #include <string>

@@ -1,9 +1,8 @@
 #include "scene/logo_overlay.h"
 
 #include "gl/textured_quad.h"
+#include "gl_calls/gl.h"
 #include "scene/interval.h"
-
-#include <GL/gl.h>
 
 namespace halvenor {
 namespace {

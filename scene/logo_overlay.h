@@ -2,16 +2,16 @@
 #pragma once
 
 #include "platform/carbon.h"
-#include "renderer/display.h"
+#include "renderer/surface/display.h"
 #include "scene/texture_image.h"
 
 #include <cstdint>
 
 namespace halvenor {
 
-/// Shows for two seconds of a run, fading and growing in the last 0.4, and is retired by the first
-/// frame after them. Its clock starts with the process's first `Open` and never again. Every
-/// operation needs the plug-in's lock and, until the logo is retired, a current GL context.
+/// Shows for the first two seconds of a run, fades and grows in the last 0.4 of them, and is
+/// retired by the next frame. Its clock starts with the process's first `Open` and never again.
+/// Every operation needs the plug-in's lock and, until the logo is retired, a current GL context.
 class LogoOverlay {
 public:
   LogoOverlay() = default;

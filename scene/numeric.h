@@ -1,4 +1,4 @@
-// Conversions that every value survives.
+// Conversions that are defined for every value.
 #pragma once
 
 #include <cmath>

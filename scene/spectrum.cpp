@@ -65,7 +65,7 @@ float Spectrum::screenToFrequency(float position) const {
 }
 
 float Spectrum::MagnitudeAtPoint(float position, const std::uint8_t* row) {
-  // Far positions are brought near first, so that the neighbours' indices cannot overflow.
+  // Clamped first, so that the neighbors' indices cannot overflow.
   const int i = std::clamp(TruncateToInt32(position), -4, kLastBin + 4);
   const auto at = [row](int index) {
     return static_cast<float>(row[std::clamp(index, 0, kLastBin)]);

@@ -26,11 +26,11 @@ public:
   void PreProcess(VisualPluginData* data);
 
   /// Draws the lines and the filled band with the caller's target and blending, and advances the
-  /// colour cycle when it is on. Leaves texturing on, the matrix at identity and the client vertex
+  /// color cycle when it is on. Leaves texturing on, the matrix at identity and the client vertex
   /// array enabled on the vertices. Needs a `PreProcess` before it.
   void Render() const;
 
-  /// Draws the frequency labels and ticks in the current colour, with the font's current size.
+  /// Draws the frequency labels and ticks in the current color, with the font's current size.
   /// Needs a `PreProcess` before it.
   void DrawText() const;
 

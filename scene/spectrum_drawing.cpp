@@ -1,20 +1,27 @@
+#include "gl_calls/gl.h"
 #include "platform/carbon.h"
-#include "renderer/font_system.h"
+#include "renderer/surface/font_system.h"
 #include "scene/numeric.h"
 #include "scene/spectrum.h"
 
-#include <GL/gl.h>
-
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 
 namespace halvenor {
 namespace {
 
-// However the settings stand, a frame draws no more passes and no more labels than this.
-constexpr int kMostPasses = 10000;
-constexpr int kMostLabels = 10000;
+// A stored block may ask for any number of lines and labels; the work for them is bounded. More
+// passes than this lie closer together than the rows of the feedback buffer: fewer and brighter
+// ones give the same picture.
+constexpr float kMostPasses = 128.0F;
+// More labels than this cover the axis several times over with their texts, which are wider in a
+// larger font: 256 with the font of a first run, but never less than the 100 that the settings
+// window offers.
+constexpr int kMostLabelPixels = 2304; // font sizes side by side
+constexpr int kLabelSizes[] = {9, 23};
 
 // Where on the way outward the filled band ends, and the line passes begin and end their gradient.
 constexpr float kBandEdge = 0.495F;
@@ -23,7 +30,7 @@ constexpr float kGradientLength = 0.495F;
 constexpr float kFullHue = 65535.0F;
 constexpr int kHertzPerBin = 86;
 
-// Accumulated hue offset of the colour cycle; its low 16 bits are a fraction of a full turn. Runs
+// Accumulated hue offset of the color cycle; its low 16 bits are a fraction of a full turn. Runs
 // on for the life of the process.
 std::uint32_t cycle = 0;
 
@@ -69,14 +76,16 @@ void Spectrum::LoadLayout() const {
 }
 
 void Spectrum::DrawPasses(const LineStyle& style) const {
-  const auto step = static_cast<float>(0.5 / pluginData->settings.numLines);
-  if (!(step > 0.0F)) return; // no lines, a negative number of them, or none at all (NaN)
+  const float wanted = std::min(pluginData->settings.numLines, std::numeric_limits<float>::max());
+  const float lines = std::min(wanted, kMostPasses);
+  const auto step = static_cast<float>(0.5 / lines);
+  if (!(step > 0.0F)) return; // a negative number of lines, or no number (NaN)
+  const float alpha = style.alpha * (wanted / lines);
 
-  float s = step * 0.5F;
-  for (int pass = 0; s < 0.5F && pass < kMostPasses; ++pass, s += step) {
+  for (float s = step * 0.5F; s < 0.5F; s += step) {
     const float shift = style.amplitude * s;
     const float stretch = style.amplitude * std::sqrt(s);
-    SetColor(Mix(style.inner, style.outer, (s - kGradientStart) / kGradientLength), style.alpha);
+    SetColor(Mix(style.inner, style.outer, (s - kGradientStart) / kGradientLength), alpha);
 
     LoadLayout();
     glTranslatef(0.0F, shift, 0.0F);
@@ -129,15 +138,17 @@ void Spectrum::Render() const {
 }
 
 void Spectrum::DrawText() const {
-  const std::int32_t labels = pluginData->settings.numFrequencyLabels;
-  if (labels <= 0) return;
+  const std::int32_t wanted = pluginData->settings.numFrequencyLabels;
+  if (wanted <= 0) return;
+  const int size = std::clamp(FontSystem::GetSize(), kLabelSizes[0], kLabelSizes[1]);
+  const int labels = std::min(wanted, kMostLabelPixels / size);
   const bool vertical = pluginData->settings.verticalLayout != 0;
   const int bins = ActiveBins();
   const float span = frequencyToScreen(bins);
   const auto topHertz = static_cast<float>(bins * kHertzPerBin);
 
   float p = 0.03F;
-  for (int label = 0; p < 1.0F && label < kMostLabels; ++label) {
+  while (p < 1.0F) {
     const float hertz = topHertz * screenToFrequency(p * span) / screenToFrequency(span);
     char text[64];
     std::snprintf(text, sizeof text, "%.1fk", hertz * 0.001);

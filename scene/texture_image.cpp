@@ -1,13 +1,14 @@
 #include "scene/texture_image.h"
 
+#include "files/file_bytes.h"
+#include "files/released_by.h"
 #include "gl/resource_file.h"
-
-#include <GL/gl.h>
-#include <GL/glu.h>
+#include "gl_calls/gl.h"
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <memory>
 #include <string>
@@ -27,13 +28,11 @@ struct Kind {
 constexpr Kind kKinds[] = {{{0, 0, 2}, LoadTGA_RAW}, {{0, 0, 10}, LoadTGA_CMP}};
 
 constexpr std::size_t kLargestPixel = 4;
+constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 30; // bytes
 constexpr int kFirstRunHeader = 128;
 constexpr GLint kDefaultAlignment = 4;
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
+using File = std::unique_ptr<std::FILE, ReleasedBy<std::fclose>>;
 
 int Fail(const char* line) {
   std::puts(line);
@@ -43,8 +42,12 @@ int Fail(const char* line) {
 File OpenResource(const char* fileName) {
   std::string path;
   const ResourceLookup lookup = FindResource(fileName, path);
-  if (lookup == ResourceLookup::NoFolder) return nullptr; // has been told
-  File file(lookup == ResourceLookup::Found ? std::fopen(path.c_str(), "rb") : nullptr);
+  if (lookup == ResourceLookup::NoFolder) return nullptr; // already reported
+  OpenedFile opened;
+  if (lookup == ResourceLookup::Found)
+    opened = OpenRegularFile(AT_FDCWD, path, Links::Follow, kLargestFile);
+  File file(opened ? fdopen(opened.descriptor.Get(), "rb") : nullptr);
+  if (file) static_cast<void>(opened.descriptor.Release());
   if (!file) std::printf("error, %s not found!\n", fileName);
   return file;
 }
@@ -85,10 +88,15 @@ const Kind* ReadHeader(TextureImage& image, std::FILE* file) {
 
 bool AllocatePixels(TextureImage& image) {
   // Where pointers have four bytes, legal sizes can ask for more than can be counted.
-  if (NumPixels(image) > std::numeric_limits<std::size_t>::max() / kLargestPixel) return false;
-  // Not cleared: of a claim that the file does not keep, only what it does hold is ever touched.
-  image.pixels = static_cast<std::uint8_t*>(std::malloc(NumPixels(image) * BytesPerPixel(image)));
-  return image.pixels != nullptr;
+  if (NumPixels(image) >= std::numeric_limits<std::size_t>::max() / kLargestPixel) return false;
+  // Not cleared: a header that claims more pixels than the file holds then costs no memory.
+  const std::size_t size = NumPixels(image) * BytesPerPixel(image);
+  image.pixels = static_cast<std::uint8_t*>(std::malloc(size + BytesPerPixel(image)));
+  if (image.pixels == nullptr) return false;
+  // `gluBuild2DMipmaps` reads one pixel beyond the last, without using it, where it scales only one
+  // way.
+  std::memset(image.pixels + size, 0, BytesPerPixel(image));
+  return true;
 }
 
 /// Appends pixels in the file's order of components to an image.

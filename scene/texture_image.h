@@ -1,7 +1,7 @@
 // Images read from TGA files, and textures made from them.
 //
-// Failures are told on standard output, one line each, and by the result 0. Nothing is shared: any
-// thread may work on an image of its own; what concerns textures needs a current GL context.
+// A failure prints one line on standard output and returns 0. Nothing is shared: each
+// thread may work on its own image; functions for textures need a current GL context.
 #pragma once
 
 #include <cstdint>
@@ -15,14 +15,15 @@ struct TextureImage {
   std::uint32_t bitsPerPixel = 0; ///< 24 or 32 after a good load
   std::uint32_t width = 0;        ///< pixels across
   std::uint32_t height = 0;       ///< pixels down
-  /// R, G, B (and A) bytes without gaps, rows in the order of the file; from `malloc`, or null.
+  /// R, G, B (and A) bytes without gaps, rows in the order of the file, then one pixel of zeros;
+  /// from `malloc`, or null.
   std::uint8_t* pixels = nullptr;
 };
 
 /// Reads the resource called `fileName`: 24 or 32 bits a pixel, uncompressed or run-length encoded,
-/// without an image ID, colour map or offset. 1 on success; 0 on a failure, which may have changed
-/// the sizes. In both cases a former buffer is released. Takes no more memory than width times
-/// height pixels; the file is closed again.
+/// without an image ID, color map or offset. 1 on success; 0 on a failure, which may have changed
+/// the sizes. In both cases a former buffer is released. Takes no more memory than the
+/// pixels; the file is closed again.
 int LoadTGA(TextureImage& image, const char* fileName);
 
 /// The two ways in which pixels are stored. `image` has legal sizes and its buffer, `file` stands

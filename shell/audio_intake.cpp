@@ -8,13 +8,13 @@
 namespace halvenor {
 namespace {
 
-constexpr int kAnalysedBins = 256;
+constexpr int kAnalyzedBins = 256;
 constexpr int kLowestTopBin = 100;
 
 // Smooths the bins of one channel and returns the sum of the new magnitudes.
 float SmoothChannel(std::uint8_t* smoothed, const std::uint8_t* magnitudes) {
   float sum = 0.0F;
-  for (int i = 0; i < kAnalysedBins; ++i) {
+  for (int i = 0; i < kAnalyzedBins; ++i) {
     const float magnitude = magnitudes[i];
     sum += magnitude;
     const float share = magnitude * 0.35F;
@@ -34,7 +34,7 @@ int TopBin(const VisualPluginData& record, int channels) {
   const float threshold = 128.0F * record.loudness;
   int candidate = kLowestTopBin;
   for (int channel = 0; channel < channels; ++channel) {
-    for (int bin = kAnalysedBins - 1; bin > candidate; --bin) {
+    for (int bin = kAnalyzedBins - 1; bin > candidate; --bin) {
       if (static_cast<float>(record.smoothedSpectrum[channel][bin]) > threshold) candidate = bin;
     }
   }

@@ -34,7 +34,7 @@ Entry Find(const char* name) {
   return reinterpret_cast<Entry>(CFBundleGetFunctionPointerForName(bundleRef, name));
 }
 
-Status Initialise(VisualPluginData* record) {
+Status Initialize(VisualPluginData* record) {
   const auto initialize = Find<InitializeConfigurationEntry>(configuration_entry::kInitialize);
   if (initialize != nullptr) return initialize(CocoaCallback, record);
   DebugLog(" Can't find initialize function");
@@ -96,7 +96,7 @@ Status InitCocoaBundle(VisualPluginData* record) {
     DebugLog(" Can't find initialize function");
   } else {
     if (!CFBundleLoadExecutable(bundleRef)) DebugLog(" Couldn't load exe");
-    result = Initialise(record);
+    result = Initialize(record);
   }
   if (result != status::kOk) {
     DebugLog(" Can't init bundle");
@@ -127,7 +127,7 @@ void LogSettings(VisualPluginData* record) {
   Forward(record, kLogSettings);
 }
 
-// Only the host's thread makes and releases records, so that it may look for one without the lock.
+// Only the host's thread creates and releases records, so it may look one up without the lock.
 Status CocoaCallback(VisualPluginData* record, int code) HALVENOR_NO_ANALYSIS {
   if (code != configuration_code::kStoreSettings &&
       code != configuration_code::kPassFullScreenOptions)

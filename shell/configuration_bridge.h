@@ -1,8 +1,8 @@
 // The way to the configuration window, which is a bundle of its own inside the plug-in's. The
-// bundle is looked up, loaded and initialised anew before every action.
+// bundle is looked up, loaded and initialized again before every action.
 //
-// Host's thread. A failure is written to the debug log, sounds the alert and ends the action; it
-// reaches nobody else. Host calls and the bundle's entries may bring further messages: the record
+// Host's thread. A failure is written to the debug log, sounds the alert and ends the action; the
+// caller is not told. Host calls and the bundle's entries may bring further messages: the record
 // may be gone after any of these functions.
 #pragma once
 
@@ -19,12 +19,11 @@ extern CFBundleRef bundleRef;
 /// `bundle`; leaves `bundle` alone when that folder is not known.
 void MyLoadPrivateFrameworkBundle(CFStringRef name, CFBundleRef* bundle);
 
-/// Finds, loads and initialises the bundle for `record`, which must be live.
-/// `kConfigurationMissing` without a bundle or an initialiser, else the initialiser's status.
+/// Finds, loads and initializes the bundle for `record`, which must be live.
+/// `kConfigurationMissing` without a bundle or an initializer, else the initializer's status.
 Status InitCocoaBundle(VisualPluginData* record) HALVENOR_REQUIRES(mutex);
 
-/// Brings the window to the front. Lets go of the lock while it does so, and has it back in any
-/// case.
+/// Brings the window to the front. Releases the lock meanwhile and takes it again in any case.
 void OpenConfigWindow(VisualPluginData* record) HALVENOR_REQUIRES(mutex);
 
 /// What the keys ask of the window; the lock stays held.

@@ -7,9 +7,12 @@ iTunesPluginMainMachO(halvenor::FourCharCode message, void* messageInfo, void* /
   switch (message) {
   case message::kCleanup:
     return status::kOk;
-  case message::kInit:
-    RegisterVisualPlugin(static_cast<const PluginInitMessage*>(messageInfo));
+  case message::kInit: {
+    const auto* init = static_cast<const PluginInitMessage*>(messageInfo);
+    if (init == nullptr || init->appProc == nullptr) return status::kNotHandled; // no host to ask
+    RegisterVisualPlugin(init);
     return status::kOk;
+  }
   default:
     return status::kNotHandled;
   }

@@ -15,18 +15,24 @@ namespace {
 // Which key the handler takes itself.
 constexpr char kConfigureKey = 'c';
 
-Status Initialise(VisualPluginData*, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+Status Initialize(VisualPluginData*, VisualMessage* message) HALVENOR_REQUIRES(mutex) {
+  if (message->init.appProc == nullptr) return status::kNotHandled;
   VisualPluginData* record = CreateRecord();
   visualPluginData = record;
   if (record == nullptr) return status::kOutOfMemory;
   record->appCookie = message->init.appCookie;
   record->appProc = message->init.appProc;
-  const Status result =
-      PlayerGetPluginFileSpec(record->appCookie, record->appProc, &record->pluginFileSpec);
-  message->init.refCon = record;
-  InitialiseVisualPluginData(record);
-  // Messages from inside the host calls came with something else, or took the record back.
+  // The host writes to a block of our own, since it may release the record from inside the call.
+  FileSpec fileSpec{};
+  const Status result = PlayerGetPluginFileSpec(record->appCookie, record->appProc, &fileSpec);
+  if (LiveRecord(record) != nullptr) {
+    record->pluginFileSpec = fileSpec;
+    message->init.refCon = record;
+    InitialiseVisualPluginData(record);
+  }
+  // Messages from inside the host calls came with something else, or released the record.
   visualPluginData = LiveRecord(record);
+  message->init.refCon = visualPluginData;
   return result;
 }
 
@@ -95,10 +101,11 @@ Status TakeEvent(VisualPluginData* record, VisualMessage* message) HALVENOR_REQU
   if (event->what != kKeyDownEvent && event->what != kKeyRepeatEvent) return status::kNotHandled;
   const auto key = static_cast<char>(event->message & 0xFFU);
   if (key == kConfigureKey) {
-    PlayerSetFullScreen(record->appCookie, record->appProc, false);
+    if (record != nullptr) PlayerSetFullScreen(record->appCookie, record->appProc, false);
     return Configure(LiveRecord(record), message);
   }
-  return renderer != nullptr ? renderer->KeyboardInput(record, key) : status::kNotHandled;
+  if (record == nullptr || renderer == nullptr) return status::kNotHandled;
+  return renderer->KeyboardInput(record, key);
 }
 
 Status DoNothing(VisualPluginData*, VisualMessage*) {
@@ -107,7 +114,8 @@ Status DoNothing(VisualPluginData*, VisualMessage*) {
 
 using HandleProc = Status (*)(VisualPluginData*, VisualMessage*);
 
-// What a message cannot be handled without. A host that leaves it out is told so.
+// What a message cannot be handled without: one without its record of data is not handled, one
+// without a state record has nothing to change.
 enum Needs : unsigned { kNothing = 0, kRecord = 1, kMessage = 2, kBoth = kRecord | kMessage };
 
 struct MessageRow {
@@ -117,7 +125,7 @@ struct MessageRow {
 };
 
 constexpr MessageRow kMessages[] = {
-    {message::kInit, kMessage, Initialise},
+    {message::kInit, kMessage, Initialize},
     {message::kCleanup, kNothing, CleanUp},
     {message::kConfigure, kNothing, Configure},
     {message::kShow, kMessage, Show},
@@ -129,7 +137,7 @@ constexpr MessageRow kMessages[] = {
     {message::kPause, kRecord, PauseOrStop},
     {message::kStop, kRecord, PauseOrStop},
     {message::kUnpause, kRecord, Unpause},
-    {message::kEvent, kBoth, TakeEvent},
+    {message::kEvent, kMessage, TakeEvent},
     {message::kIdle, kNothing, DoNothing},
     {message::kSetPosition, kNothing, DoNothing},
     {message::kEnable, kNothing, DoNothing},
@@ -145,9 +153,9 @@ Status VisualPluginHandler(FourCharCode code, VisualMessage* message, void* refC
   VisualPluginData* record = LiveRecord(refCon);
   for (const MessageRow& row : kMessages) {
     if (row.code != code) continue;
-    const bool lacksRecord = (row.needs & kRecord) != 0 && record == nullptr;
-    const bool lacksMessage = (row.needs & kMessage) != 0 && message == nullptr;
-    return lacksRecord || lacksMessage ? status::kNotHandled : row.handle(record, message);
+    if ((row.needs & kMessage) != 0 && message == nullptr) return status::kNotHandled;
+    if ((row.needs & kRecord) != 0 && record == nullptr) return status::kOk;
+    return row.handle(record, message);
   }
   return status::kNotHandled;
 }

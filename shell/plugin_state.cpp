@@ -35,7 +35,7 @@ VisualPluginData* GuardedRecord() HALVENOR_NO_ANALYSIS {
 
 constexpr GuardBacking kGuardBacking = {EnterGuard, LeaveGuard, GuardedRecord};
 
-// When the module is unloaded, the platform layer must not call into it any more.
+// After the module is unloaded the platform layer must not call into it.
 struct GuardBackingEnd {
   ~GuardBackingEnd() { SetGuardBacking(nullptr); }
 };

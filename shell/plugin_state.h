@@ -28,7 +28,7 @@ VisualPluginData* CreateRecord() HALVENOR_REQUIRES(mutex);
 /// Releases `record` and its strings; `visualPluginData` becomes null if it designated it.
 void ReleaseRecord(VisualPluginData* record) HALVENOR_REQUIRES(mutex);
 
-/// `pointer` if it designates a record made and not yet released, else null. To be asked anew
+/// `pointer` if it designates a record made and not yet released, else null. Ask again
 /// after every host call: the host may have sent 'clr ' from inside it.
 VisualPluginData* LiveRecord(const void* pointer) HALVENOR_REQUIRES(mutex);
 

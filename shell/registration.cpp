@@ -9,7 +9,6 @@ namespace halvenor {
 namespace {
 
 constexpr char kName[] = "Halvenor";
-constexpr FourCharCode kCreator = Code("hook");
 constexpr std::uint8_t kFinalStage = 0x80;
 constexpr ConfigurationActions kConfigurationActions = {AddPreset, SwitchPresetsToManual,
                                                         LogSettings};
@@ -20,7 +19,7 @@ HostMessage Registration() {
   RegistrationBody& body = record.body.registration;
   cstr2pstr(body.name, kName);
   body.options = kWantsIdleMessages | kWantsConfigure;
-  body.creator = kCreator;
+  body.creator = kSettingsCreator;
   SetNumVersion(&body.version, 0, 0x02, kFinalStage, 0);
   body.handler = VisualPluginHandler;
   body.refCon = nullptr;

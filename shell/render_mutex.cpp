@@ -15,7 +15,7 @@ bool RenderMutex::Create() {
   return false;
 }
 
-// The analysis does not know a lock made of a native one.
+// The analysis does not see that the native mutex is this capability.
 void RenderMutex::Lock() HALVENOR_NO_ANALYSIS {
   ++waitingHosts_;
   pthread_mutex_lock(&native_);

@@ -14,7 +14,7 @@ namespace halvenor {
 /// that its own thread holds it. Whoever releases it lets go of the GL context first.
 class HALVENOR_CAPABILITY("mutex") RenderMutex {
 public:
-  /// Initialises it with default attributes, once, before any other thread knows of it. False on
+  /// Initializes it with default attributes, once, before any other thread knows of it. False on
   /// failure; it can be used all the same.
   bool Create();
 
@@ -37,8 +37,8 @@ private:
 
 extern RenderMutex mutex;
 
-/// One message: holds the lock from here on, unless this thread holds it already (a message sent
-/// from inside a host call), in which case the outer scope goes on holding it.
+/// One message: takes the lock unless this thread holds it already (a message sent from inside a
+/// host call); then the outer scope keeps it.
 class HALVENOR_SCOPED_CAPABILITY MessageScope {
 public:
   MessageScope() HALVENOR_ACQUIRE(mutex);
@@ -59,8 +59,8 @@ public:
   FrameScope& operator=(const FrameScope&) = delete;
 };
 
-/// The other way round: lets go of the lock, however deep the nesting of messages, and takes it
-/// back at its end.
+/// The reverse: releases the lock, however deeply messages are nested, and takes it again at its
+/// end.
 class HALVENOR_SCOPED_CAPABILITY UnlockedScope {
 public:
   UnlockedScope() HALVENOR_RELEASE(mutex) { mutex.Unlock(); }

@@ -11,7 +11,7 @@ namespace {
 constexpr std::int64_t kFullScreenPause = 3000; // microseconds
 
 pthread_t renderThread HALVENOR_GUARDED_BY(mutex);
-// Whether there is a thread to join, be it that it has not yet come to announce itself.
+// True from creation to join, even before the thread has set `renderThreadExists`.
 bool renderThreadCreated HALVENOR_GUARDED_BY(mutex) = false;
 
 std::int64_t PauseAfterFrame(const VisualPluginData* record) {

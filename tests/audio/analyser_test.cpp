@@ -1,4 +1,4 @@
-#include "host/analyser.h"
+#include "audio/analyser.h"
 
 #include <gtest/gtest.h>
 
@@ -150,6 +150,23 @@ TEST(Analyser, MusicFillsTheRangeWithoutSaturatingIt) {
   const double mean = sum / 256 / static_cast<double>(kept.size());
   EXPECT_GT(mean, 15);
   EXPECT_LT(mean, 60);
+}
+
+TEST(Analyser, AMeterShowsDecibelsInEvenSteps) {
+  struct Case {
+    float peak, level;
+  };
+  for (const auto& [peak, level] : {Case{1, 1}, Case{0.1F, 2.0F / 3}, Case{0.00316228F, 1.0F / 6},
+                                    Case{0.001F, 0}, Case{0.0001F, 0}, Case{0, 0}, Case{-1, 0},
+                                    Case{7, 1}, Case{std::numeric_limits<float>::quiet_NaN(), 0}})
+    EXPECT_NEAR(MeterLevel(peak), level, 1e-4F) << peak;
+
+  RenderVisualData record = SilentRecord();
+  EXPECT_EQ(MeterLevel(record), 0);
+  record.waveform[1][7] = 192;
+  EXPECT_EQ(MeterLevel(record), MeterLevel(0.5F));
+  record.waveform[0][9] = 0;
+  EXPECT_EQ(MeterLevel(record), 1);
 }
 
 } // namespace

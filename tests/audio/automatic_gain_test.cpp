@@ -1,5 +1,5 @@
-#include "host/analyser.h"
-#include "host/automatic_gain.h"
+#include "audio/analyser.h"
+#include "audio/automatic_gain.h"
 
 #include <gtest/gtest.h>
 

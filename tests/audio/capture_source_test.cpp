@@ -1,7 +1,7 @@
-#include "host/capture_source.h"
-#include "host/media_player.h"
-#include "tests/audio/sound_files.h"
-#include "tests/audio/sound_servers.h"
+#include "audio/capture_source.h"
+#include "audio/media_player.h"
+#include "tests/support/sound_files.h"
+#include "tests/support/sound_servers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -86,7 +86,9 @@ public:
     const auto end = Clock::now() + patience;
     while (!done()) {
       if (Clock::now() > end) return false;
+      const auto begin = Clock::now();
       std::this_thread::sleep_for(5ms);
+      if (!firstLoud) longestGap = std::max(longestGap, Clock::now() - begin);
       server.Poll();
       capture.Poll();
       if (andPoll) andPoll();
@@ -107,6 +109,7 @@ public:
   int records = 0;
   std::optional<long> bin;
   std::optional<Clock::time_point> firstLoud;
+  Clock::duration longestGap{}; // between polls, before that
   float level = 0;
   std::function<void()> andPoll;
 };
@@ -216,6 +219,13 @@ TEST_P(CaptureSourceTest, SilenceIsToldAfterTwoSeconds) {
   EXPECT_LT(Clock::now() - begin, 5s);
   EXPECT_GT(ear.records, 10);
   EXPECT_EQ(ear.level, 0);
+  ASSERT_TRUE(machine.Control("set-sink-mute alpha 1"));
+  ASSERT_TRUE(ear.Reaches(State::Muted));
+  ASSERT_TRUE(machine.Control("set-sink-mute alpha 0"));
+  ASSERT_TRUE(ear.Reaches(State::NoSignal));
+  ASSERT_TRUE(machine.Control("set-sink-volume alpha 0"));
+  ASSERT_TRUE(ear.Reaches(State::Muted));
+  ASSERT_TRUE(machine.Control("set-sink-volume alpha 65536"));
   const Playing playing(low, "alpha");
   ASSERT_TRUE(ear.Hears(12));
   ear.capture.Close();
@@ -259,14 +269,14 @@ TEST_P(CaptureSourceTest, AServerThatHangsHoldsUpNothing) {
 }
 
 // The player goes by the latency of what it plays, the listener by that of what it records. Other
-// load on the machine may disturb a try, but not always the same way.
+// load on the machine disturbs some tries, so the middle one of seven counts.
 TEST_P(CaptureSourceTest, PictureAndSoundAreInStep) {
   { // PulseAudio's silent outputs have rendered two seconds ahead before they are first used
     const Playing playing(low, "alpha");
     ear.capture.Open();
     ASSERT_TRUE(ear.Hears(12));
   }
-  const auto lateness = [&](double at) {
+  const auto lateness = [&](double at, double offset) {
     const auto wave = [at, tone = Sine(1000)](double time, int channel) {
       return time < at ? 0 : tone(time, channel);
     };
@@ -275,21 +285,25 @@ TEST_P(CaptureSourceTest, PictureAndSoundAreInStep) {
     EXPECT_TRUE(ear.Until([&] { return !ear.bin; }));
     ear.andPoll = [&] { player.Poll(); };
     ear.firstLoud.reset();
+    ear.longestGap = {};
     player.Open(folder.Write("late.wav", "wavenc", {44100, 2, at + 1, wave}));
     EXPECT_TRUE(ear.Until([&] { return ear.firstLoud.has_value(); }));
     const std::chrono::duration<double> since = Clock::now() - *ear.firstLoud;
     ear.andPoll = nullptr;
-    return player.Position() - at - since.count();
+    const double late = player.Position() - at - since.count() - offset;
+    // Whoever is kept from polling is late itself, by that much at most.
+    const std::chrono::duration<double> kept = ear.longestGap;
+    return late > 0 ? std::max(0.0, late - kept.count()) : late;
   };
   for (const int offset : {0, 300}) {
     ear.capture.SetOffset(offset);
-    double best = 1000;
-    for (int round = 0; round < 8 && std::abs(best) > 0.06; ++round) {
-      std::vector<double> late{lateness(0.8), lateness(0.813), lateness(0.829)};
-      std::ranges::sort(late);
-      best = late[1] - offset / 1000.0;
-    }
-    EXPECT_LT(std::abs(best), 0.06) << "offset " << offset;
+    std::vector<double> late;
+    for (int round = 0; round < 7; ++round) // at different places in the records
+      late.push_back(lateness(0.6 + 0.013 * round, offset / 1000.0));
+    std::ranges::sort(late);
+    // Without an offset a record is late by itself: all of its 50 ms must have come.
+    EXPECT_GT(late[3], -0.06) << offset << testing::PrintToString(late);
+    EXPECT_LT(late[3], offset == 0 ? 0.11 : 0.06) << offset << testing::PrintToString(late);
   }
 }
 
@@ -299,18 +313,20 @@ TEST_P(CaptureSourceTest, APauseIsHeardAtOnce) {
   ear.andPoll = [&] { player.Poll(); };
   ear.capture.Open();
   player.Open(low);
-  auto best = Clock::duration::max();
-  for (int round = 0; round < 8 && best > 200ms; ++round) {
+  std::vector<Clock::duration> late;
+  for (int round = 0; round < 5; ++round) {
     player.Play();
     ASSERT_TRUE(ear.Hears(12));
     const auto begin = Clock::now();
     player.Pause();
     ASSERT_TRUE(ear.Until([&] { return ear.level == 0; }));
-    best = std::min(best, Clock::now() - begin);
-    EXPECT_EQ(mouth.told.back(), MediaPlayer::State::Paused);
+    late.push_back(Clock::now() - begin);
+    EXPECT_TRUE(ear.Until([&] { return mouth.told.back() == MediaPlayer::State::Paused; }));
   }
-  // 60 ms, and what the listener itself needs to find out.
-  EXPECT_LT(best, 200ms);
+  std::ranges::sort(late);
+  // 60 ms, and what the listener itself needs to find out; none waits for a buffer to run empty.
+  EXPECT_LT(late[2], 200ms);
+  EXPECT_LT(late[4], 1s);
 }
 
 // The player goes on silently while there is no server, and aloud when it is back.

@@ -1,6 +1,6 @@
-#include "host/media_player.h"
-#include "tests/audio/sound_files.h"
-#include "tests/platform/servers.h"
+#include "audio/media_player.h"
+#include "tests/support/servers.h"
+#include "tests/support/sound_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // The presets side of the configuration window.
-#include "config/look.h"
-#include "config/preset_file.h"
-#include "tests/config/small_disk.h"
+#include "presets/look.h"
+#include "presets/preset_file.h"
 #include "tests/config_window/window_fixture.h"
+#include "tests/support/small_disk.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
@@ -16,6 +16,7 @@
 #include <QtWidgets/QRadioButton>
 
 #include <ctime>
+#include <unistd.h>
 
 namespace halvenor::test {
 namespace {
@@ -160,7 +161,7 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
   EXPECT_TRUE(Message().contains("autopilot is off")) << qPrintable(Message());
   Host::Change([](Settings& s) { s.autopilot = 1; });
   EXPECT_TRUE(QTest::qWaitFor([&] { return manual->isChecked(); }));
-  EXPECT_TRUE(Message().contains("switching by itself has ended")) << qPrintable(Message());
+  EXPECT_TRUE(Message().contains("no longer change automatically")) << qPrintable(Message());
   Host::Change([](Settings& s) { s.autopilot = 0; });
 
   // It goes on while the window is closed, until "Manual".
@@ -169,7 +170,9 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
   EXPECT_TRUE(Shows(one.look));
   EXPECT_TRUE(Shows(two.look));
   EXPECT_EQ(Host::CallLocked(LoadedModule().switchToManual), status::kOk);
-  QTest::qWait(2500);
+  const int looks = Host::guards; // ten a second while presets change
+  QTest::qWait(250);
+  EXPECT_EQ(Host::guards, looks);
   EXPECT_TRUE(SameLook(Host::Present(), two.look));
   Open();
   EXPECT_TRUE(manual->isChecked());
@@ -241,7 +244,11 @@ TEST_F(PresetsTest, GetTheirPicturesWhenTheyAreSeen) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return renders().contains('\n'); }));
   List()->scrollTo(Row("aaa-59"), QListView::PositionAtTop); // before the first rows had theirs
   EXPECT_TRUE(QTest::qWaitFor([&] { return isRed("aaa-59"); })) << "no picture";
-  QTest::qWait(2500);
+  const auto isRendering = [] {
+    QFile children(QString("/proc/self/task/%1/children").arg(getpid()));
+    return children.open(QFile::ReadOnly) && !children.readAll().isEmpty();
+  };
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !isRendering(); }, 30'000));
   EXPECT_LT(renders().count(QByteArray("\n")), 8) << "rows that nobody sees are rendered";
   EXPECT_TRUE(renders().contains("--set intensity=0.983")) << renders().constData();
 

@@ -18,6 +18,7 @@ bool Enter() {
   if (holder == std::this_thread::get_id()) return false;
   lock.lock();
   holder = std::this_thread::get_id();
+  ++Host::guards;
   return true;
 }
 void Leave() {
@@ -45,6 +46,7 @@ void LookUp(void* module, const char* name, Entry& entry) {
 } // namespace
 
 VisualPluginData Host::record;
+int Host::guards = 0;
 bool Host::hasRecord = true;
 std::vector<int> Host::codes;
 Status Host::refusal = status::kOk;

@@ -29,6 +29,7 @@ const Module& LoadedModule();
 struct Host {
   static VisualPluginData record;
   static bool hasRecord;
+  static int guards;             ///< how often the lock was taken
   static std::vector<int> codes; ///< of every callback
   static Status refusal;         ///< what the callback returns
 

@@ -125,7 +125,7 @@ TEST_F(WindowFixture, SavesAndPutsBack) {
     const Settings now = Host::Present();
     EXPECT_EQ(std::memcmp(&now, &expected, sizeof now), 0) << way;
     if (refusal != status::kOk) {
-      EXPECT_TRUE(Message().contains("could not be stored")) << qPrintable(Message());
+      EXPECT_TRUE(Message().contains("could not be saved")) << qPrintable(Message());
       Click(way); // a second time: as it is
     }
     Window()->close();

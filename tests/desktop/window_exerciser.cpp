@@ -1,9 +1,9 @@
 // Does to the program's window, over and over, what the first argument names, as often as the
 // second says; then tells what that left behind. The third is the plug-in.
-#include "desktop/main_window.h"
 #include "desktop/program_settings.h"
+#include "desktop/window/main_window.h"
 #include "host/preference_store.h"
-#include "tests/memory_in_use.h"
+#include "tests/support/memory_in_use.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QDir>

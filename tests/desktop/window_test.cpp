@@ -1,5 +1,5 @@
 // The desktop program as people use it: real displays, real keys, what is seen.
-#include "tests/desktop/display_session.h"
+#include "tests/support/display_session.h"
 
 #include <QtCore/QFile>
 #include <gtest/gtest.h>
@@ -278,8 +278,10 @@ TEST_F(OneDeskTest, GoesOnWithoutSettings) {
   Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, readOnly);
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
   EXPECT_TRUE(desk->PressUntil("ctrl+t", [&] { return program.HasStart("[swin]"); }));
+  EXPECT_TRUE(desk->PressUntil(
+      "s", [&] { return program.HasStart("halvenor: The visualizer's settings cannot be"); }));
   EXPECT_TRUE(
-      Eventually([&] { return program.HasStart("halvenor: /proc/self/halvenor/halvenor.conf"); }));
+      Eventually([&] { return program.HasStart("halvenor: The settings cannot be saved"); }));
   EXPECT_TRUE(desk->PressUntil("alt+F4", [&] { return program.Has("[clr ]"); }));
   EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
 }
@@ -288,7 +290,7 @@ TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
   const QString tone = Write("One second.wav", Silence(1));
   Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, tone}, desk->Environment());
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vstp]"); }));
-  EXPECT_EQ(program.Last("[vply]"), "[vply] One second - ");
+  EXPECT_EQ(program.Last("[vply]"), "[vply] | One second");
   const int records = program.Count("[vrnd]");
   EXPECT_GE(records, 5);
   EXPECT_LE(records, 20);
@@ -308,15 +310,15 @@ TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
   } cases[] = {
       {{"/nowhere/song.ogg"},
        desk->Environment(),
-       "halvenor: /nowhere/song.ogg: there is no such file"},
+       "halvenor: /nowhere/song.ogg: No such file or folder"},
       {{"--source", "x", text},
        desk->Environment(),
-       "halvenor: either --source or something to play"},
+       "halvenor: Give either --source or something to play"},
       {{"--plugin", text},
        desk->Environment(),
        "halvenor: cannot load the plug-in " + text.toStdString()},
       {{"--plugin", "/nowhere"}, desk->Environment(), "halvenor: cannot load the plug-in /nowhere"},
-      {{}, nowhere, "halvenor: no display can be opened"},
+      {{}, nowhere, "halvenor: Cannot open a display"},
   };
   for (const auto& [arguments, environment, line] : cases) {
     Program program(arguments, environment);
@@ -338,7 +340,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     int status; // a file more or less is no failure, but there is nothing without a picture
   } cases[] = {
       {text, desk->Environment(), "halvenor: " + text.toStdString(), EXIT_SUCCESS},
-      {Write("silence.wav", Silence(1)), noPicture, "halvenor: the picture cannot be shown",
+      {Write("silence.wav", Silence(1)), noPicture, "halvenor: The picture cannot be shown",
        EXIT_FAILURE},
   };
   for (const auto& [medium, environment, line, status] : cases) {
@@ -352,6 +354,21 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     EXPECT_EQ(program.ExitStatus(), status) << line;
     EXPECT_EQ(program.Count("halvenor: "), 1) << line;
   }
+}
+
+// The plug-in's own text says that the preset was saved.
+TEST_F(OneDeskTest, TellsOfPresetsThatCannotBeSaved) {
+  QProcessEnvironment readOnly = desk->Environment();
+  readOnly.insert("XDG_DATA_HOME", "/proc/self");
+  Program program({Write("silence.wav", Silence(60))}, readOnly);
+  const auto bottom = [&] {
+    return PixelsOf(qRgb(239, 239, 239), desk->Picture().copy(160, 560, 960, 150));
+  };
+  ASSERT_TRUE(Eventually([&] { return LitPixels(desk->Picture()) > 1000; }));
+  const int before = bottom();
+  EXPECT_TRUE(desk->PressUntil(
+      "s", [&] { return program.HasStart("halvenor: The look was not saved: "); }));
+  EXPECT_TRUE(Eventually([&] { return bottom() > before + 5000; })) << "no notice";
 }
 
 const auto kNameOf = [](const auto& tested) { return tested.param.name; };

@@ -1,8 +1,9 @@
 // Any bytes as a preset file, as the file of marks, and as a name.
-#include "config/look.h"
-#include "config/preset_file.h"
-#include "config/preset_marks.h"
-#include "config/preset_names.h"
+#include "files/printable.h"
+#include "presets/look.h"
+#include "presets/preset_file.h"
+#include "presets/preset_marks.h"
+#include "presets/preset_names.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,6 @@
 #include "host/install_paths.h"
 #include "host/plugin_module.h"
+#include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,8 +20,6 @@ using testing::Not;
 class PluginModuleTest : public testing::Test {
 protected:
   PluginModuleTest() {
-    std::string pattern = testing::TempDir() + "halvenor-module-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
     fs::create_directories(folder_ / "Good.bundle/Contents/Linux");
     fs::copy_file(SCRIPTED_PLUGIN, folder_ / "Good.bundle/Contents/Linux/Good");
     fs::create_directory(folder_ / "Empty.bundle");
@@ -29,12 +28,10 @@ protected:
     previous_ = fs::current_path();
     fs::current_path(folder_);
   }
-  ~PluginModuleTest() override {
-    fs::current_path(previous_);
-    fs::remove_all(folder_);
-  }
+  ~PluginModuleTest() override { fs::current_path(previous_); }
 
-  fs::path folder_;
+  const ScratchFolder scratch_;
+  const fs::path& folder_ = scratch_.Path();
   fs::path previous_;
 };
 

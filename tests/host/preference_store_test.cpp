@@ -1,4 +1,5 @@
 #include "host/preference_store.h"
+#include "tests/support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -26,13 +27,8 @@ Bytes Filled(std::size_t size, int value) {
 
 class PreferenceStoreTest : public testing::Test {
 protected:
-  PreferenceStoreTest() {
-    std::string pattern = testing::TempDir() + "halvenor-preferences-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~PreferenceStoreTest() override { fs::remove_all(folder_); }
-
-  fs::path folder_;
+  const ScratchFolder scratch_;
+  const fs::path& folder_ = scratch_.Path();
 };
 
 struct Answer {
@@ -74,8 +70,11 @@ TEST_F(PreferenceStoreTest, FailuresHaveAStatusAndKeepTheOldBlock) {
   FilePreferenceStore store(folder_);
   fs::create_directory(store.FileOf("folder"));
   EXPECT_EQ(Ask(store, "folder"), (Answer{-EISDIR, {}}));
-  EXPECT_NE(store.Write("folder", Filled(4, 1)), status::kOk);
-  EXPECT_FALSE(fs::exists(store.FileOf("folder").string() + ".new"));
+  EXPECT_EQ(store.Write("folder", Filled(4, 1)), -EISDIR);
+  ASSERT_EQ(mkfifo(store.FileOf("pipe").c_str(), 0600), 0);
+  fs::create_symlink("/dev/zero", store.FileOf("endless"));
+  for (const char* const name : {"pipe", "endless"})
+    EXPECT_EQ(Ask(store, name), (Answer{-EINVAL, {}})) << name;
 
   std::ofstream(folder_ / "file") << "in the way";
   FilePreferenceStore blocked(folder_ / "file");

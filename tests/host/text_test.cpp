@@ -63,6 +63,9 @@ TEST(TrackRecords, HoldTheirTexts) {
   EXPECT_EQ(PascalTextAt(track.bytes + 8), longTitle.substr(0, 255));
   EXPECT_EQ(PascalTextAt(track.bytes + 520), "Bj\x9Ark");
   EXPECT_EQ(PascalTextAt(MakeStreamInfo("Radio").bytes + 4), "Radio");
+  TrackRecords untagged = MakeTrackRecords("06", "");
+  EXPECT_EQ(untagged.Track(), nullptr) << "would be shown with a dash at its end";
+  EXPECT_EQ(PascalTextAt(untagged.Stream()->bytes + 4), "06");
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // Drawing into offscreen ports on the real EGL.
-#define GL_GLEXT_PROTOTYPES
 #include "tests/platform/gl_fixture.h"
 
 #include <GL/glext.h>

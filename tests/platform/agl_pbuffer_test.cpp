@@ -1,5 +1,4 @@
 // Drawing into offscreen buffers, and from them, on the real EGL.
-#define GL_GLEXT_PROTOTYPES
 #include "tests/platform/gl_fixture.h"
 #include "tests/stand_ins/agl_behaviour.h"
 

@@ -1,6 +1,6 @@
 // Drawing into windows, on an X server and a Wayland compositor of the suite's own.
 #include "tests/platform/gl_fixture.h"
-#include "tests/platform/servers.h"
+#include "tests/support/servers.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
@@ -288,7 +288,7 @@ TEST_F(X11Test, TheHostsGlxContextIsPutBack) {
   EXPECT_EQ(QuartersFault(offscreen.image, 0, 0, 16, 16), "");
   context.Destroy();
   EXPECT_EQ(glXGetCurrentContext(), hosts);
-  EXPECT_NE(glGetString(GL_VERSION), nullptr);
+  EXPECT_NE(::glGetString(GL_VERSION), nullptr);
   glXMakeCurrent(host.display, None, nullptr);
   glXDestroyContext(host.display, hosts);
 }

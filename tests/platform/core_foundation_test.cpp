@@ -1,5 +1,6 @@
 // Bundles in made-up folders, asked for by a module that lies in them.
 #include "platform/core_foundation.h"
+#include "tests/support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -64,13 +65,6 @@ private:
 
 class BundleTest : public testing::Test {
 protected:
-  void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "bundles-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = fs::canonical(pattern);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   [[nodiscard]] fs::path Make(const std::string& name, const std::string& info) const {
     fs::path contents = folder_ / name / "Contents";
     fs::create_directories(contents / "Resources");
@@ -78,7 +72,8 @@ protected:
     return contents;
   }
 
-  fs::path folder_;
+  const ScratchFolder scratch_;
+  const fs::path folder_ = fs::canonical(scratch_.Path());
 };
 
 TEST_F(BundleTest, EachModuleFindsTheBundlesAroundIt) {

@@ -2,6 +2,7 @@
 // fixture that fails on whatever error a case leaves pending.
 #pragma once
 
+#include "gl_calls/gl.h"
 #include "platform/agl.h"
 #include "platform/debug_log.h"
 

@@ -4,6 +4,7 @@
 #include "platform/debug_log.h"
 #include "platform/ports.h"
 #include "protocol/settings.h"
+#include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,9 +28,6 @@ std::vector<std::string> heard; // lines of the debug log, and alerts
 class ConfigurationBundle : public testing::Test, private HostServices {
 protected:
   void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "configuration-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
     const fs::path contents = folder_ / "Halvenor.bundle/Contents";
     const fs::path built = InstalledPluginPath() / "Contents";
     fs::create_directories(contents / "Linux");
@@ -49,7 +47,6 @@ protected:
     host_.reset();
     SetAlertSound(nullptr);
     debug_log::SetReceiver(nullptr, nullptr);
-    fs::remove_all(folder_);
   }
   std::vector<std::string> Press(char key) {
     heard.clear();
@@ -65,7 +62,7 @@ protected:
   Status SetFullScreen(bool) override { return status::kOk; }
   Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
 
-  fs::path folder_;
+  const ScratchFolder folder_;
   fs::path inner_;
   MemoryPreferenceStore preferences_;
   std::unique_ptr<PluginHost> host_;
@@ -100,6 +97,17 @@ TEST_F(ConfigurationBundle, IsLookedUpAnewUntilItsModuleCanBeUsed) {
   EXPECT_FLOAT_EQ(stored[1] - stored[0], 0.25F) << "plug-in and module share one guard";
   fs::remove_all(inner_);
   EXPECT_EQ(Press('s').front(), " Can't create bundle");
+}
+
+TEST_F(ConfigurationBundle, SaysWhyAHostWithoutItsToolkitHasNoWindow) {
+  fs::create_directories(inner_);
+  std::ofstream(inner_ / "Info.plist").put('\n');
+  PutModule(InstalledPluginPath() /
+            "Contents/Frameworks/CocoaBundle.bundle/Contents/Linux/CocoaBundle");
+  EXPECT_THAT(
+      Press('s'),
+      ElementsAre("Halvenor - No settings window: the host runs no Qt application (QApplication)",
+                  " Can't init bundle", "alert 20"));
 }
 
 } // namespace

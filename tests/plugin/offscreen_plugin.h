@@ -29,7 +29,7 @@ inline Settings PlainLook() {
   return settings;
 }
 
-/// A plain field instead: the band without lines, in one colour.
+/// A plain field instead: the band without lines, in one color.
 inline Settings FieldLook(const Color& color) {
   Settings settings = PlainLook();
   settings.numLines = 0.5F;
@@ -102,15 +102,12 @@ public:
     const std::uint8_t* pixel = &pixels_[static_cast<std::size_t>(4 * (y * width_ + x))];
     return pixel[0] + pixel[1] + pixel[2] > 6;
   }
-  /// First and last lit row of a column, or {-1, -1}.
+  /// First and last lit row of a column, or column of a row; or {-1, -1}.
   [[nodiscard]] std::array<int, 2> LitRows(int x) const {
-    std::array<int, 2> rows = {-1, -1};
-    for (int y = 0; y < height_; ++y) {
-      if (!IsLit(x, y)) continue;
-      if (rows[0] < 0) rows[0] = y;
-      rows[1] = y;
-    }
-    return rows;
+    return Lit(height_, [&](int y) { return IsLit(x, y); });
+  }
+  [[nodiscard]] std::array<int, 2> LitColumns(int y) const {
+    return Lit(width_, [&](int x) { return IsLit(x, y); });
   }
   /// The pixels of the last frame: red, green, blue, alpha; top row first.
   [[nodiscard]] const std::vector<std::uint8_t>& Pixels() const { return pixels_; }
@@ -123,6 +120,17 @@ public:
   }
 
 private:
+  template <typename Test>
+  static std::array<int, 2> Lit(int end, const Test& isLit) {
+    std::array<int, 2> ends = {-1, -1};
+    for (int i = 0; i < end; ++i) {
+      if (!isLit(i)) continue;
+      if (ends[0] < 0) ends[0] = i;
+      ends[1] = i;
+    }
+    return ends;
+  }
+
   PreferenceStore& Preferences() override { return preferences_; }
   Status SetFullScreen(bool) override { return status::kOk; }
   Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
@@ -142,7 +150,7 @@ private:
   int width_;
   int height_;
   Log logMode_;
-  LogCapture log_{LogCapture::Echo::Off, "plugin_tests"};
+  LogCapture log_{LogCapture::Echo::Nothing, "plugin_tests"};
   MemoryPreferenceStore preferences_;
   HalvenorPort port_{};
   std::unique_ptr<PluginHost> host_;

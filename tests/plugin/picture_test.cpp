@@ -9,6 +9,7 @@ namespace {
 
 constexpr int kWidth = 640;
 constexpr int kHeight = 480;
+constexpr int kSide = 480;
 
 // How far from the middle the band reaches, in halves of the picture, at full amplitude.
 double Reach(int magnitude) {
@@ -18,37 +19,21 @@ double Reach(int magnitude) {
 // Lines and texels have a width: the edge lies within this many pixels.
 constexpr double kEdge = 4.0;
 
-TEST(Picture, ShowsTheLeftChannelAboveAndTheRightBelow) {
-  OffscreenPlugin plugin(PlainLook(), kWidth, kHeight);
-  plugin.DeliverFlat(255, 64, 300); // settles at 253 and 62; the loudness passes the cap
-  plugin.Step(3);
-  for (const int x : {50, 320, 600}) {
-    const auto rows = plugin.LitRows(x);
-    EXPECT_NEAR(rows[0], kHeight / 2.0 * (1 - Reach(253)), kEdge) << "column " << x;
-    EXPECT_NEAR(rows[1], kHeight / 2.0 * (1 + Reach(62)), kEdge) << "column " << x;
-  }
-  EXPECT_EQ(plugin.LitPixels(0, 0, kWidth, 20), 0);
-}
-
-TEST(Picture, VerticalLayoutShowsThemLeftAndRight) {
+TEST(Picture, ShowsTheLeftChannelAboveAndTheRightBelowOrSideBySide) {
   Settings settings = PlainLook();
-  settings.verticalLayout = 1;
-  OffscreenPlugin plugin(settings, kWidth, kHeight);
-  plugin.DeliverFlat(255, 64, 300);
-  plugin.Step(3);
-  const auto edge = [&plugin](int x, int step) {
-    while (x > 0 && x < kWidth - 1 && !plugin.IsLit(x, 240))
-      x += step;
-    return x;
-  };
-  EXPECT_NEAR(edge(1, 1), kWidth / 2.0 * (1 - Reach(253)), kEdge + 1);
-  EXPECT_NEAR(edge(kWidth - 2, -1), kWidth / 2.0 * (1 + Reach(62)), kEdge + 1);
-}
-
-TEST(Picture, SilenceIsBlackButForTheTexts) {
-  OffscreenPlugin plugin(PlainLook(), kWidth, kHeight);
-  plugin.Step(2);
-  EXPECT_EQ(plugin.LitPixels(0, 0, kWidth, kHeight), 0);
+  for (const bool vertical : {false, true}) {
+    settings.verticalLayout = vertical ? 1 : 0;
+    OffscreenPlugin plugin(settings, kSide, kSide);
+    plugin.Step(2);
+    EXPECT_EQ(plugin.LitPixels(0, 0, kSide, kSide), 0) << "silence";
+    plugin.DeliverFlat(255, 64, 300); // settles at 253 and 62; the loudness passes the cap
+    plugin.Step(3);
+    for (const int place : {50, 240, 440}) {
+      const auto lit = vertical ? plugin.LitColumns(place) : plugin.LitRows(place);
+      EXPECT_NEAR(lit[0], kSide / 2.0 * (1 - Reach(253)), kEdge) << vertical << ", " << place;
+      EXPECT_NEAR(lit[1], kSide / 2.0 * (1 + Reach(62)), kEdge) << vertical << ", " << place;
+    }
+  }
 }
 
 TEST(Picture, TextsStandWhereTheyBelong) {

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <map>
+#include <set>
 #include <string>
 
 namespace halvenor {
@@ -32,7 +33,7 @@ TEST(Settings, DefaultsHaveThePublishedBytes) {
   }
 }
 
-TEST(Settings, TableCoversEveryMeaningfulWordOnce) {
+TEST(Settings, TableCoversEveryMeaningfulWordAndRowOnce) {
   std::map<std::size_t, int> covered;
   for (const SettingField& field : SettingFields()) {
     const int words = field.type == SettingType::Color ? 3 : 1;
@@ -44,6 +45,11 @@ TEST(Settings, TableCoversEveryMeaningfulWordOnce) {
     const bool hidden = byte == 0 || (byte >= 80 && byte < 92); // the version, the reserved words
     EXPECT_EQ(covered[byte], hidden ? 0 : 1) << "word at byte " << byte;
   }
+  std::map<SettingGroup, std::set<int>> rows;
+  for (const SettingField& field : SettingFields())
+    EXPECT_TRUE(rows[field.group].insert(field.row).second) << field.name;
+  for (const auto& [group, places] : rows)
+    EXPECT_EQ(*places.rbegin() + 1, static_cast<int>(places.size())) << GroupTitle(group);
   EXPECT_EQ(FindSetting("Intensity"), nullptr);
   EXPECT_EQ(FindSetting(""), nullptr);
 }

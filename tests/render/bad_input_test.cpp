@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace halvenor {
 namespace {
@@ -29,6 +30,7 @@ protected:
     folder.WriteBytes("halvenor/presets/broken.preset", "fade=0.5");
     folder.WriteBytes("two.preset", mine + "[Preset 2]\nname=B\n");
     program_.environment["XDG_DATA_HOME"] = folder.Path("");
+    EXPECT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
     for (const char* const name : {"full.rgba", "full.png", "full.mkv"})
       std::filesystem::create_symlink("/dev/full", folder.Path(name));
   }
@@ -72,16 +74,24 @@ TEST_F(BadInputTest, CommandLine) {
       {{"s.flac", "-o", "x.png", "--fps", "1e9"}, "--fps"},
       {{"s.flac", "-o", "x.png", "--start", "-1"}, "--start"},
       {{"s.flac", "-o", "x.png", "--start", "nan"}, "--start"},
+      {{"s.flac", "-o", "x.png", "--start", "1e10"}, "--start"},
       {{"s.flac", "-o", "x.png", "--duration", "0"}, "--duration"},
+      {{"s.flac", "-o", "x.png", "--duration", "1e-300"}, "--duration"},
+      {{"s.flac", "-o", "x.png", "--duration", "inf"}, "--duration"},
+      {{"s.flac", "-o", "x.png", "--keys", "nan:h"}, "--keys"},
+      {{"s.flac", "-o", "x.png", "--fps", "nan"}, "--fps"},
+      {{"s.flac", "-o", "x.png", "--set", "fade=nan"}, "fade"},
+      {{"s.flac", "-o", "x.png", "--set", "fade=1.01"}, "fade"},
       {{"s.flac", "-o", "x.png", "--set", "brightness=1"}, "no setting 'brightness'"},
+      {{"s.flac", "-o", "x.png", "--set", "a\x1b[2J\nb=1"}, "no setting 'a [2J b'"},
       {{"s.flac", "-o", "x.png", "--set", "fade"}, "NAME=VALUE"},
       {{"s.flac", "-o", "x.png", "--set", "fade=much"}, "fade"},
       {{"s.flac", "-o", "x.png", "--preset", "Mien"}, "no preset \"Mien\"; did you mean \"Mine\""},
       {{"s.flac", "-o", "x.png", "--preset", ""}, "see --list-presets"},
       {{"s.flac", "-o", "x.png", "--preset", "?"}, "see --list-presets"},
-      {{"s.flac", "-o", "x.png", "--preset", "Broken"}, "broken.preset: is no preset file"},
+      {{"s.flac", "-o", "x.png", "--preset", "Broken"}, "broken.preset: is not a preset file"},
       {{"s.flac", "-o", "x.png", "--preset", "missing.preset"}, "missing.preset: No such file"},
-      {{"s.flac", "-o", "x.png", "--preset", "./text.flac"}, "text.flac: is no preset file"},
+      {{"s.flac", "-o", "x.png", "--preset", "./text.flac"}, "text.flac: is not a preset file"},
       {{"s.flac", "-o", "x.png", "--preset", "two.preset"}, "\"Mine\", \"B\""},
       {{"s.flac", "-o", "x.png", "--preset", "two.preset#C"}, "no preset \"C\"; it has"},
   };
@@ -96,9 +106,11 @@ TEST_F(BadInputTest, Files) {
   } cases[] = {
       {{"missing.flac", "-o", "x.mp4"}, "missing.flac"},
       {{"folder", "-o", "x.mp4"}, "folder"},
+      {{"--records", "pipe", "-o", "x.png"}, "pipe: is not a regular file"},
+      {{"s.flac", "-o", "x.png", "--preset", "./pipe"}, "pipe: is not a regular file"},
+      {{"s.flac", "-o", std::string(256, 'x') + ".png"}, "File name too long"},
       {{"text.flac", "-o", "x.mp4"}, "text.flac"},
       {{"empty.flac", "-o", "x.webm"}, "empty"},
-      {{"short.flac", "-o", "x.mkv", "--size", "64x64", "--fps", "5"}, "truncated"},
       {{"s.flac", "--start", "3", "-o", "x.png"}, "start"},
       {{"s.flac", "-o", "nowhere/x.mp4"}, "nowhere/x.mp4"},
       {{"s.flac", "-o", "folder/../folder/."}, "folder"},
@@ -120,6 +132,16 @@ TEST_F(BadInputTest, Files) {
     ExpectOneLine(arguments, reason);
 }
 
+TEST_F(BadInputTest, SoundThatIsMissingIsToldAndTheRestShown) {
+  const RunResult result =
+      program_.Run({"short.flac", "-o", "x.mkv", "--size", "64x64", "--fps", "5"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.errors, StartsWith("halvenor-render: short.flac: 0."));
+  EXPECT_THAT(result.errors,
+              testing::EndsWith(" of its 2.00 seconds of sound are missing or damaged\n"));
+  EXPECT_FALSE(program_.Read("x.mkv").empty());
+}
+
 // A file that may not grow stands for a disk that fills up later on.
 TEST_F(BadInputTest, DiskFillsUpMidway) {
   const auto expectFailure = [this](const std::string& output) {
@@ -136,12 +158,14 @@ TEST_F(BadInputTest, DiskFillsUpMidway) {
 
 TEST_F(BadInputTest, NoUsableGl) {
   program_.environment["__EGL_VENDOR_LIBRARY_FILENAMES"] = "/nonexistent";
-  ExpectOneLine({"s.flac", "-o", "x.mp4"}, "EGL");
+  ExpectOneLine({"--gl", "driver", "s.flac", "-o", "x.mp4"}, "EGL");
+  const RunResult without = program_.Run({"--quiet", "s.flac", "-o", "x.png", "--duration", "0.1"});
+  EXPECT_EQ(without.exitCode, 0) << without.errors;
 }
 
 TEST_F(BadInputTest, AnOutputThatIsThereStaysUntilTheNewOneIsWhole) {
   program_.Folder().WriteBytes("x.rgba", "old");
-  ExpectOneLine({"short.flac", "-o", "x.rgba", "--size", "64x64"}, "truncated");
+  ExpectOneLine({"s.flac", "-o", "x.rgba", "--size", "64x64", "--start", "3"}, "start");
   EXPECT_EQ(program_.Read("x.rgba"), "old");
   program_.Folder().Write("s.mkv", "flacenc ! matroskamux", {.seconds = 1, .wave = Sine(440)});
   ExpectOneLine({"s.mkv", "-o", "folder/../s.mkv"}, "replace the input");

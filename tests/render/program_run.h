@@ -1,7 +1,7 @@
 // Runs of the real halvenor-render in a folder of their own.
 #pragma once
 
-#include "tests/audio/sound_files.h"
+#include "tests/support/sound_files.h"
 
 #include <filesystem>
 #include <map>

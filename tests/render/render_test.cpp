@@ -1,5 +1,5 @@
 // What halvenor-render shows, when, and in which files.
-#include "host/audio_reader.h"
+#include "audio/audio_reader.h"
 #include "render/time_line.h"
 #include "tests/render/program_run.h"
 #include "tests/render/witness_plugin.h"
@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <signal.h>
+#include <sys/stat.h>
 #include <thread>
 
 namespace halvenor {
@@ -80,7 +81,7 @@ TEST_F(RenderTest, ListsPresetsOneALine) {
                                "[Halvenor Preset Marks]\nformat=1\nfavourites=ember;\n");
   program_.Folder().WriteBytes(own + "broken.preset", "x");
   const RunResult alone = Succeed({"--list-presets", "--plugin", "nowhere"});
-  EXPECT_EQ(alone.output, "Ember Tide\town, favourite\n");
+  EXPECT_EQ(alone.output, "Ember Tide\town, favorite\n");
   EXPECT_THAT(alone.errors, HasSubstr("broken.preset: "));
   const RunResult all = Succeed({"--list-presets"});
   EXPECT_GT(std::count(all.output.begin(), all.output.end(), '\n'), 24);
@@ -217,10 +218,23 @@ TEST_F(RenderTest, RunsRepeatToTheByte) {
     EXPECT_TRUE(one == program_.Read("two." + kind)) << kind;
   }
   EXPECT_EQ(program_.Read("records").size(), 8 * sizeof(RenderVisualData));
-  Succeed(frames + Arguments{"-o", "two.rgba", "--records", "records"});
-  EXPECT_TRUE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "from the dumped records";
-  Succeed(frames + Arguments{"-o", "two.rgba", "--set", "numLines=3"});
-  EXPECT_FALSE(program_.Read("one.rgba") == program_.Read("two.rgba")) << "with other settings";
+  const struct {
+    Arguments settings;
+    bool isSame;
+  } cases[] = {{{"--records", "records"}, true},
+               {{"--set", "numLines=3"}, false},
+               {{"--set", "showFrameRate=off"}, true}, // as it begins
+               {{"--set", "showFrameRate=on"}, false}};
+  for (const auto& [settings, isSame] : cases) {
+    EXPECT_EQ(Succeed(frames + Arguments{"-o", "two.rgba"} + settings).errors, "");
+    EXPECT_EQ(program_.Read("one.rgba") == program_.Read("two.rgba"), isSame) << settings[1];
+  }
+  Arguments verbose = frames + Arguments{"-o", "two.rgba", "--duration", "0.05", "--gl", "cpu"};
+  std::ranges::replace(verbose, "--quiet", "--verbose");
+  EXPECT_EQ(
+      Succeed(verbose).errors,
+      "halvenor-render: Halvenor platform: OpenGL is drawn on the processor: it was asked for\n"
+      "halvenor-render: Halvenor : ARB shader support found!\n");
 }
 
 // The presentation times of the video frames in a file, nanoseconds.
@@ -291,6 +305,21 @@ TEST_F(RenderTest, ASignalCleansUp) {
     EXPECT_EQ(program_.Wait(process).exitCode, 128 + signal);
     EXPECT_THAT(program_.Read("log"), testing::EndsWith("hide\nclr\n"));
     EXPECT_THAT(program_.Names(), ElementsAre("log", "s.flac")) << output;
+  }
+}
+
+// As the opening of a pipe does that nobody reads.
+TEST_F(RenderTest, ASignalEndsTheProgramWhileALibraryWaits) {
+  ASSERT_EQ(mkfifo(program_.Path("pipe").c_str(), 0600), 0);
+  program_.Folder().Write("s.wav", "wavenc", {.seconds = 1, .wave = Sine(440)});
+  for (const Arguments& waiting :
+       {Arguments{"pipe"}, Arguments{"s.wav", "--dump-records", "pipe"}}) {
+    const pid_t process = program_.Start(Arguments{"-o", "x.mkv"} + waiting);
+    for (int i = 0; i < 1000 && program_.Names().size() < 3; ++i) // a temporary file
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    kill(process, SIGTERM);
+    EXPECT_EQ(program_.Wait(process).exitCode, 128 + SIGTERM);
+    EXPECT_THAT(program_.Names(), ElementsAre("pipe", "s.wav"));
   }
 }
 

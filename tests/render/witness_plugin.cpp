@@ -112,8 +112,11 @@ Status Handle(FourCharCode code, VisualMessage* record, void*) {
     Note("clr");
     break;
   case message::kPlay:
-    Note("play " + PascalText(record->track.trackInfo->bytes + kTrackTitleOffset) + " by " +
-         PascalText(record->track.trackInfo->bytes + kTrackArtistOffset));
+    if (const TrackInfo* const track = record->track.trackInfo)
+      Note("play " + PascalText(track->bytes + kTrackTitleOffset) + " by " +
+           PascalText(track->bytes + kTrackArtistOffset));
+    if (const StreamInfo* const stream = record->track.streamInfo)
+      Note("play " + PascalText(stream->bytes + kStreamTitleOffset));
     break;
   case message::kEvent: {
     const std::scoped_lock lock(mutex);

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace halvenor {
 namespace {
@@ -83,28 +84,41 @@ TEST_F(Autopilot, StepsMoveTowardTargetsInOrder) {
   EXPECT_EQ(sum_, 3704119981915244541U);
 }
 
-TEST_F(Autopilot, StepsAreTimedByTheFrameRate) {
+TEST_F(Autopilot, StepsOnEveryFrameThatCompletesATwentiethOfASecond) {
   ASSERT_TRUE(Open());
   data_->settings.autopilot = 1;
   data_->settings.numLines = 0;
   stand_ins::SetSilent(true);
-  for (const auto& [fps, steps] :
-       {std::pair{10, 10}, {20, 20}, {30, 15}, {40, 20}, {60, 20}, {144, 18}}) {
-    // Intervals come in whole microseconds; rounded up, the rate is not above what it is called.
-    const std::uint64_t interval = static_cast<std::uint64_t>(1000000 / fps + 1) * 1000;
-    for (int frame = 0; frame < 400; ++frame) { // the rate settles
-      Advance(interval);
+  std::uint64_t now = UpTime();
+  for (const auto& [fps, framesAStep] : {std::pair<std::uint64_t, int>{10, 1},
+                                         {20, 1},
+                                         {24, 2},
+                                         {25, 2},
+                                         {30, 2},
+                                         {40, 2},
+                                         {48, 3},
+                                         {50, 3},
+                                         {60, 3},
+                                         {72, 4},
+                                         {75, 4},
+                                         {90, 5},
+                                         {100, 5},
+                                         {120, 6},
+                                         {144, 8}}) {
+    const std::uint64_t start = now;
+    int sinceStep = 0;
+    for (std::uint64_t frame = 1; frame <= 600; ++frame) { // of an offline host, in nanoseconds
+      const std::uint64_t time = start + frame * 1000000000 / fps;
+      Advance(time - std::exchange(now, time));
+      data_->settings.zoom = 50.0F; // away from its target: it moves back at every step
       renderer_->Render(data_.get());
+      ++sinceStep;
+      if (data_->settings.zoom == 50.0F) continue;
+      // The rate settles first.
+      ASSERT_TRUE(frame <= 400 || sinceStep == framesAStep)
+          << fps << " frames per second, frame " << frame << ", after " << sinceStep;
+      sinceStep = 0;
     }
-    // A value that is forced away from its target moves back at every step.
-    int moved = 0;
-    for (int frame = 0; frame < 10 * fps; ++frame) {
-      data_->settings.zoom = 50.0F;
-      Advance(interval);
-      renderer_->Render(data_.get());
-      moved += data_->settings.zoom != 50.0F ? 1 : 0;
-    }
-    EXPECT_NEAR(moved, 10 * steps, 10) << fps << " frames per second";
   }
 }
 

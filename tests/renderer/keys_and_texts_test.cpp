@@ -47,7 +47,7 @@ protected:
     const auto texts = Texts();
     return texts.size() == 1 ? texts[0].text : "(" + std::to_string(texts.size()) + " texts)";
   }
-  // The alpha of the colour before the last text.
+  // The alpha of the color before the last text.
   static double LastAlpha() { return stand_ins::CallsOf("glColor4f").back().arguments[3]; }
   Status Press(char key) { return renderer_->KeyboardInput(data_.get(), key); }
 

@@ -16,18 +16,23 @@ protected:
   void SetUp() override {
     StandInTest::SetUp();
     clock::UseStepped(100 * kSecond);
-    RetireLogo();
-    renderer_ = std::make_unique<Renderer>();
     data_->settings = DefaultSettings();
     data_->settings.numLines = 1;
     data_->settings.numFrequencyLabels = 0;
     data_->settings.showFrameRate = 0;
     data_->highestActiveBin = 150.0F;
+    RetireLogo();
+    renderer_ = std::make_unique<Renderer>();
   }
   // The logo shows with the first opening of the process, whoever's it is.
   void RetireLogo() {
     Renderer first;
     first.Open(&port_, &port_.bounds);
+    static const bool shows = [&] {
+      first.Render(data_.get());
+      return stand_ins::CallCount("glPushMatrix") > 0;
+    }();
+    EXPECT_TRUE(shows);
     first.Close();
     stand_ins::Reset();
     log_.Take();

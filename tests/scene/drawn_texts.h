@@ -21,7 +21,8 @@ inline std::vector<DrawnText> DrawnTexts(const std::vector<Call>& calls, double 
     if (call.function == "glRasterPos3f") {
       texts.push_back({call.arguments[0], call.arguments[1], ""});
     } else if (call.function == "glCallList" && !texts.empty()) {
-      texts.back().text += static_cast<char>(call.arguments[0] - base);
+      const int character = static_cast<int>(call.arguments[0] - base);
+      texts.back().text += static_cast<char>(character);
     }
   }
   return texts;

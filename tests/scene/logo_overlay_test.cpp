@@ -1,6 +1,6 @@
 #include "platform/clock.h"
 #include "scene/logo_overlay.h"
-#include "tests/stand_ins/stand_in_test.h"
+#include "tests/renderer/surface/display_fixture.h"
 
 namespace halvenor {
 namespace {
@@ -12,17 +12,11 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kStart = 5000000000;
 
-class LogoOverlayTest : public stand_ins::StandInTest {
+class LogoOverlayTest : public OpenDisplayTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
+    OpenDisplayTest::SetUp();
     clock::UseStepped(kStart);
-    display_.Open(&port_);
-    Resize(480);
-  }
-  void TearDown() override {
-    display_.Close();
-    StandInTest::TearDown();
   }
 
   void Resize(std::int16_t height) {
@@ -49,9 +43,6 @@ protected:
                                 ", 0); glTexCoord2f(1, 1); glVertex3f(" + x + ", " + y +
                                 ", 0); glEnd(); glPopMatrix()"));
   }
-
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  Display display_;
 };
 
 // One case, as the logo's clock starts once in a process.

@@ -1,9 +1,9 @@
-#include "renderer/display.h"
-#include "renderer/font_system.h"
+#include "renderer/surface/font_system.h"
 #include "scene/spectrum.h"
+#include "tests/renderer/surface/display_fixture.h"
 #include "tests/scene/drawn_texts.h"
-#include "tests/stand_ins/stand_in_test.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -14,12 +14,10 @@ namespace {
 using stand_ins::CallsOf;
 using testing::ElementsAre;
 
-class SpectrumDrawing : public stand_ins::StandInTest {
+class SpectrumDrawing : public OpenDisplayTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
-    display_.Open(&port_);
-    display_.Resize(&port_, &port_.bounds);
+    OpenDisplayTest::SetUp();
     FontSystem::Open(&display_);
     fontBase_ = stand_ins::CallsOf("aglUseFont").at(0).arguments[6];
     data_->settings = DefaultSettings();
@@ -28,8 +26,7 @@ protected:
   }
   void TearDown() override {
     FontSystem::Close();
-    display_.Close();
-    StandInTest::TearDown();
+    OpenDisplayTest::TearDown();
   }
 
   void Render() {
@@ -46,15 +43,13 @@ protected:
       labels.push_back(drawn.text);
     return labels;
   }
-  // The inner colour as the next call draws it: that of the band's first point.
+  // The inner color as the next call draws it: that of the band's first point.
   std::vector<double> BandColor() {
     Render();
-    const auto passes = CallsOf("glTranslatef").size() / 2; // each has a colour of its own
+    const auto passes = CallsOf("glTranslatef").size() / 2; // each has a color of its own
     return CallsOf("glColor4f").at(passes).arguments;
   }
 
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  Display display_;
   double fontBase_ = 0;
   std::unique_ptr<VisualPluginData> data_ = std::make_unique<VisualPluginData>();
   std::unique_ptr<Spectrum> spectrum_ = std::make_unique<Spectrum>();
@@ -100,14 +95,25 @@ TEST_F(SpectrumDrawing, NumLinesBecomePasses) {
   const struct {
     float lines;
     std::size_t passes;
-  } cases[] = {{34, 34},     {1, 1},           {0.4F, 0}, {2.5F, 2},   {100, 100},
-               {9000, 9000}, {1000000, 10000}, {0, 0},    {-0.0F, 0},  {-7, 0},
-               {kInf, 0},    {-kInf, 0},       {NAN, 0},  {1e-40F, 0}, {3e38F, 10000}};
+  } cases[] = {{34, 34},   {1, 1},  {0.4F, 0},   {2.5F, 2},  {100, 100}, {9000, 128}, {0, 0},
+               {-0.0F, 0}, {-7, 0}, {kInf, 128}, {-kInf, 0}, {NAN, 0},   {1e-40F, 0}, {3e38F, 128}};
   for (const auto& [lines, passes] : cases) {
     data_->settings.numLines = lines;
     Render();
     EXPECT_EQ(CallsOf("glDrawArrays").size(), 2 * passes) << lines;
+    const auto colors = CallsOf("glColor4f"); // of the passes, then of the band
+    ASSERT_GT(colors.size(), passes);
+    const double each = passes == 128 ? std::min(lines, std::numeric_limits<float>::max()) / 128.0
+                                      : 1.0; // together as bright as all of them
+    EXPECT_FLOAT_EQ(static_cast<float>(colors[0].arguments[3]),
+                    static_cast<float>(colors[passes].arguments[3] * (passes == 0 ? 1.0 : each)))
+        << lines;
   }
+  data_->loudness = 0;
+  data_->settings.numLines = kInf;
+  Render();
+  EXPECT_EQ(CallsOf("glColor4f")[0].arguments[3], 0) << "silence";
+  data_->loudness = 0.9F;
   data_->settings.numLines = 34;
   Render();
   EXPECT_NEAR(CallsOf("glTranslatef")[66].arguments[1], 0.7 * 0.4926, 1e-4);
@@ -189,18 +195,21 @@ TEST_F(SpectrumDrawing, LabelsFollowTheMapping) {
   EXPECT_NEAR(CallsOf("glVertex2f")[18].arguments[0], 0.86, 1e-6);
 }
 
-TEST_F(SpectrumDrawing, AnyNumberOfLabelsEnds) {
-  for (const auto& [wanted, drawn] : {std::pair{3, 3},
-                                      {1, 1},
-                                      {0, 0},
-                                      {-1, 0},
-                                      {std::numeric_limits<std::int32_t>::min(), 0},
-                                      {2000, 1940},
-                                      {1000000, 10000},
-                                      {std::numeric_limits<std::int32_t>::max(), 10000}}) {
+TEST_F(SpectrumDrawing, LabelsAreAsManyAsCanBeToldApart) {
+  constexpr auto kLeast = std::numeric_limits<std::int32_t>::min();
+  constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
+  const struct {
+    std::int32_t wanted, fontSize;
+    std::size_t drawn;
+  } cases[] = {{3, 9, 3},       {1, 9, 1},       {0, 9, 0},       {-1, 9, 0},     {kLeast, 9, 0},
+               {100, 9, 98},    {100, 128, 98},  {200, 9, 195},   {2000, 9, 249}, {kMost, 9, 249},
+               {kMost, 1, 249}, {kMost, 23, 98}, {kMost, 128, 98}};
+  for (const auto& [wanted, fontSize, drawn] : cases) {
+    FontSystem::SetSize(fontSize);
     data_->settings.numFrequencyLabels = wanted;
-    EXPECT_EQ(Labels().size(), static_cast<std::size_t>(drawn)) << wanted;
+    EXPECT_EQ(Labels().size(), drawn) << wanted;
   }
+  FontSystem::SetSize(9);
 }
 
 } // namespace

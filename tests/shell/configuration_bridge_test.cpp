@@ -3,9 +3,6 @@
 #include "protocol/configuration_entries.h"
 #include "shell/configuration_bridge.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/log_lines.h"
-#include "tests/stand_ins/offscreen_port.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 #include <atomic>
 #include <chrono>
@@ -80,10 +77,10 @@ const Action kActions[] = {
 
 std::atomic<std::uint64_t> frames = 0;
 
-class ConfigurationBridge : public stand_ins::StandInTest {
+class ConfigurationBridge : public ShellTest {
 protected:
   void SetUp() override {
-    StandInTest::SetUp();
+    ShellTest::SetUp();
     PutModule();
     port_.frameFinished = [](void*, const HalvenorFrame*) { ++frames; };
     // In one list with the lines, for the order.
@@ -92,13 +89,10 @@ protected:
     host_.requests.clear();
   }
   void TearDown() override {
-    if (host_.refCon != nullptr) host_.Send(message::kCleanup);
-    EXPECT_FALSE(mutex.HeldByThisThread());
-    EXPECT_EQ(renderThreadExists, 0);
+    ShellTest::TearDown();
     SetAlertSound(nullptr);
     SetFrontWindow(nullptr);
     bundleRef = nullptr;
-    StandInTest::TearDown();
   }
   static void PutModule() {
     stand_ins::SetSilent(true);
@@ -111,9 +105,9 @@ protected:
   std::string Log() { return Joined(log_.Take()); }
   static std::string Acts() { return Joined(std::exchange(module.acts, {})); }
 
-  /// Presses the key of each action, with `happens` in its initialiser and then in its own entry.
+  /// Presses the key of each action, with `happens` in its initializer and then in its own entry.
   void InEachEntry(const std::function<Status()>& happens,
-                   const std::function<void(const Action&, bool inInitialiser)>& check) {
+                   const std::function<void(const Action&, bool inInitializer)>& check) {
     for (const Action& action : kActions) {
       for (const char* entry : {configuration_entry::kInitialize, action.entry}) {
         SCOPED_TRACE(action.performed + " with " + entry);
@@ -133,28 +127,24 @@ protected:
     EXPECT_EQ(host_.Send(message::kCleanup), 0);
     return status::kOk;
   }
-
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  TestHost host_;
-  stand_ins::LogLines log_;
 };
 
 TEST_F(ConfigurationBridge, EachActionMeetsEachOutcome) {
-  const std::string notInitialised = " Can't find initialize function| Can't init bundle|alert 20";
+  const std::string notInitialized = " Can't find initialize function| Can't init bundle|alert 20";
   const struct {
-    const char* failing; ///< a function of the platform; null: the initialiser, with 5
+    const char* failing; ///< a function of the platform; null: the initializer, with 5
     std::string log;
   } obstacles[] = {
       {"CFBundleGetBundleWithIdentifier",
-       " Can't find main bundle| Can't create bundle|" + notInitialised},
+       " Can't find main bundle| Can't create bundle|" + notInitialized},
       {"CFBundleCopyPrivateFrameworksURL",
-       " Can't copy URL| Can't find main bundle| Can't create bundle|" + notInitialised},
+       " Can't copy URL| Can't find main bundle| Can't create bundle|" + notInitialized},
       {"CFURLCreateCopyAppendingPathComponent",
        " Can't create bundle URL| Can't copy URL| Can't find main bundle| Can't create bundle|" +
-           notInitialised},
-      {"CFBundleCreate", " Can't create bundle|" + notInitialised},
-      {"CFBundleLoadExecutable", " Couldn't load exe|" + notInitialised},
-      {"CFBundleGetFunctionPointerForName", notInitialised},
+           notInitialized},
+      {"CFBundleCreate", " Can't create bundle|" + notInitialized},
+      {"CFBundleLoadExecutable", " Couldn't load exe|" + notInitialized},
+      {"CFBundleGetFunctionPointerForName", notInitialized},
       {nullptr, " Can't init bundle|alert 20"},
   };
   for (const Action& action : kActions) {
@@ -187,17 +177,10 @@ TEST_F(ConfigurationBridge, EachActionMeetsEachOutcome) {
   }
 }
 
-TEST_F(ConfigurationBridge, TheMessageOpensTheWindow) {
+TEST_F(ConfigurationBridge, TheMessageOpensTheWindowAndEveryActionLooksAgain) {
   EXPECT_EQ(host_.Send(message::kConfigure), 0);
   EXPECT_EQ(Acts(), "initializeBundle held|orderWindowFront free");
   EXPECT_THAT(host_.requests, ElementsAre());
-  VisualMessage none{};
-  EXPECT_EQ(VisualPluginHandler(message::kConfigure, &none, nullptr), 0);
-  EXPECT_EQ(Acts(), "") << "nothing without a record";
-  EXPECT_EQ(Log(), "");
-}
-
-TEST_F(ConfigurationBridge, InitialisingTellsItsStatusAndLooksAnewEachTime) {
   int window = 0;
   const MessageScope scope;
   SetFrontWindow(&window);
@@ -251,17 +234,19 @@ TEST_F(ConfigurationBridge, TheCallbackStoresTheBlockAndPassesTheSize) {
 
 TEST_F(ConfigurationBridge, TheRecordMayGoAnywhere) {
   InEachEntry([this] { return Gone(); },
-              [](const Action& action, bool inInitialiser) {
+              [](const Action& action, bool inInitializer) {
                 // Nothing is forwarded for a record that the module was told of in vain.
-                const std::string forwarded = inInitialiser ? "" : "|" + action.performed;
+                const std::string forwarded = inInitializer ? "" : "|" + action.performed;
                 EXPECT_EQ(Acts(), "initializeBundle held" + forwarded);
                 EXPECT_EQ(CocoaCallback(module.record, 0), status::kNotHandled);
               });
   EXPECT_EQ(CocoaCallback(nullptr, 2), 0);
   host_.Init();
   host_.inside[request::kSetFullScreen] = [this] { Gone(); };
+  host_.Show(&port_);
   EXPECT_EQ(Press('c'), 0);
   EXPECT_EQ(Acts(), "");
+  EXPECT_FALSE(renderer->IsOpen());
 
   // The host has a block to read although it released the record meanwhile.
   host_.Init();

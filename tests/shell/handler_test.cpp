@@ -38,13 +38,26 @@ TEST_F(Handler, EveryMessageSetsTheRecordPointerFirst) {
   int anything = 0;
   EXPECT_EQ(VisualPluginHandler(Code("what"), &none, &anything), status::kNotHandled);
   EXPECT_EQ(LastReference(), &anything);
-  // A record that is not one is not used; nor is a message that is not there.
-  for (const FourCharCode code : {message::kRenderData, message::kPlay, message::kEvent})
-    EXPECT_EQ(VisualPluginHandler(code, &none, &anything), status::kNotHandled);
+  // Without a record, or with what is none, there is nothing to change.
+  void* const record = host_.refCon;
+  for (void* reference : {static_cast<void*>(&anything), static_cast<void*>(nullptr)}) {
+    host_.refCon = reference;
+    for (const FourCharCode code :
+         {Code("vrnd"), Code("vply"), Code("ctrk"), Code("vpau"), Code("vstp"), Code("vunp"),
+          Code("cnfg"), Code("hide"), Code("null")})
+      EXPECT_EQ(host_.Send(code), 0) << std::hex << code;
+    EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, reference), 0);
+    EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
+    EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'a'), status::kNotHandled);
+    EXPECT_EQ(host_.Send(message::kEvent), status::kNotHandled);
+  }
+  EXPECT_THAT(host_.requests, testing::IsEmpty());
+  host_.refCon = record;
+  // A message that is not there is not used, nor is a host that cannot be asked.
   for (const FourCharCode code : {message::kInit, message::kShow, message::kRenderData})
-    EXPECT_EQ(VisualPluginHandler(code, nullptr, host_.refCon), status::kNotHandled);
-  EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, &anything), 0);
-  EXPECT_EQ(VisualPluginHandler(message::kCleanup, &none, nullptr), 0);
+    EXPECT_EQ(VisualPluginHandler(code, nullptr, record), status::kNotHandled);
+  EXPECT_EQ(VisualPluginHandler(message::kInit, &none, nullptr), status::kNotHandled);
+  EXPECT_EQ(none.init.refCon, nullptr);
   EXPECT_EQ(host_.Send(message::kIdle), 0);
   EXPECT_EQ(LastReference(), host_.Record());
 }
@@ -143,12 +156,14 @@ TEST_F(Handler, HideClearsTheRecordsAndKeepsTheLines) {
 TEST_F(Handler, WindowMessagesCarryTheOptionsAndTheRectangle) {
   HalvenorPort port = stand_ins::OffscreenPort(300, 200);
   clock::UseStepped(1);
+  EXPECT_EQ(host_.SendWindow(message::kShow, nullptr, port.bounds, 0), status::kDisplayNotOpened);
   EXPECT_EQ(host_.Show(&port, 6), 0);
   ASSERT_EQ(clock::WaitUntilParked(), clock::StepResult::Frame); // its frame sets viewports, too
   EXPECT_EQ(host_.Record()->windowOptions, 6U);
   EXPECT_EQ(host_.SendWindow(message::kSetWindow, &port, {10, 20, 110, 220}, 1), 0);
   EXPECT_EQ(host_.Record()->windowOptions, 1U);
   EXPECT_EQ(stand_ins::CallsOf("glViewport").back().text, "glViewport(0, 0, 200, 100)");
+  EXPECT_NE(host_.SendWindow(message::kSetWindow, nullptr, port.bounds, 0), 0);
   stand_ins::Fail("aglUpdateContext", 10000, 1, 1);
   EXPECT_NE(host_.SendWindow(message::kSetWindow, &port, port.bounds, 0), 0);
   EXPECT_EQ(host_.Send(message::kHide), 0);

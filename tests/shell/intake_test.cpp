@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace halvenor {
 namespace {
@@ -60,13 +61,13 @@ TEST_F(Intake, LevelsAndLoudnessFollowTheMeans) {
 }
 
 TEST_F(Intake, TheTopBinIsTheHighestThatStandsOut) {
-  data_->spectrum[0][120] = 255;
-  Deliver();
-  EXPECT_EQ(record_->highestActiveBin, static_cast<float>(0.99 * 150.0F + 0.01 * 120));
-  record_->highestActiveBin = 150.0F;
-  data_->spectrum[1][200] = 255;
-  Deliver();
-  EXPECT_EQ(record_->highestActiveBin, static_cast<float>(0.99 * 150.0F + 0.01 * 200));
+  for (const auto& [channel, bin] : {std::pair{0, 120}, {1, 200}, {0, 255}, {1, 256}}) {
+    record_->highestActiveBin = 150.0F;
+    data_->spectrum[channel][bin] = 255;
+    Deliver();
+    EXPECT_EQ(record_->highestActiveBin,
+              static_cast<float>(0.99 * 150.0F + 0.01 * std::min(bin, 255)));
+  }
   record_->loudness = 1.9F; // a threshold that no bin passes
   const float before = record_->highestActiveBin;
   Deliver();

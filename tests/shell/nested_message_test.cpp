@@ -28,29 +28,6 @@ TEST_F(NestedMessages, LeavingFullScreenBringsANewWindow) {
   EXPECT_EQ(stand_ins::CallsOf("glViewport").back().text, "glViewport(0, 0, 200, 100)");
 }
 
-TEST_F(NestedMessages, TheHostHidesAndShowsFromInside) {
-  host_.inside[request::kSetFullScreen] = [this] {
-    EXPECT_EQ(host_.Send(message::kHide), 0); // joins the thread: the lock is let go and restored
-    EXPECT_TRUE(mutex.HeldByThisThread());
-    EXPECT_FALSE(renderer->IsOpen());
-    EXPECT_EQ(host_.Show(&port_), 0);
-  };
-  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
-  EXPECT_TRUE(renderer->IsOpen());
-  EXPECT_TRUE(Draws());
-}
-
-TEST_F(NestedMessages, TheRecordIsGoneAfterwards) {
-  host_.inside[request::kSetFullScreen] = [this] {
-    EXPECT_EQ(host_.Send(message::kHide), 0);
-    EXPECT_EQ(host_.Send(message::kCleanup), 0);
-  };
-  EXPECT_EQ(host_.SendEvent(kKeyDownEvent, 'c'), 0);
-  EXPECT_FALSE(renderer->IsOpen());
-  EXPECT_FALSE(Draws());
-  EXPECT_EQ(RecordGuard().Record(), nullptr);
-}
-
 TEST_F(NestedMessages, InitKeepsItsRecordWhateverComesInside) {
   for (const FourCharCode code :
        {request::kGetPluginFileSpec, request::kGetPluginData, request::kSetFullScreenOptions}) {

@@ -1,8 +1,5 @@
 #include "shell/host_requests.h"
-#include "shell/plugin_state.h"
-#include "shell/registration.h"
 #include "tests/shell/test_host.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 #include <array>
 #include <pthread.h>
@@ -80,6 +77,9 @@ TEST_F(Registration, TheEntryAnswersWhateverTheHostSays) {
   EXPECT_EQ(iTunesPluginMainMachO(message::kCleanup, nullptr, nullptr), 0);
   for (const FourCharCode code : {message::kShow, message::kIdle, Code("what"), 0U})
     EXPECT_EQ(iTunesPluginMainMachO(code, nullptr, nullptr), status::kNotHandled);
+  PluginInitMessage nobody = {10, 1, nullptr, nullptr};
+  for (PluginInitMessage* message : {&nobody, static_cast<PluginInitMessage*>(nullptr)})
+    EXPECT_EQ(iTunesPluginMainMachO(message::kInit, message, nullptr), status::kNotHandled);
   EXPECT_NE(renderer, nullptr);
   EXPECT_THAT(log_.Take(), IsEmpty());
 }

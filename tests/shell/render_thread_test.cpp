@@ -1,7 +1,9 @@
 // The render thread under a host's hands. Runs under the thread sanitizer, too.
+#include "shell/render_thread.h"
 #include "tests/shell/test_host.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <future>
 #include <random>
@@ -149,6 +151,18 @@ TEST_F(RenderThreadTest, HidingWaitsForTheFrameInProgress) {
   hider.join();
   EXPECT_FALSE(renderer->IsOpen());
   step.wait();
+}
+
+TEST_F(RenderThreadTest, AThreadThatWaitsForTheLockDrawsNothingOnceItIsToEnd) {
+  host_.Record()->settings.frameDelay = 0;
+  host_.Show(&port_);
+  AwaitFrames(3);
+  const MessageScope scope;
+  // Long enough for the thread to come to the lock, where it waits.
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  const std::uint64_t drawn = frames;
+  CloseRenderer();
+  EXPECT_EQ(frames, drawn);
 }
 
 TEST_F(RenderThreadTest, AThreadThatCannotBeMadeLeavesTheFirstFrame) {

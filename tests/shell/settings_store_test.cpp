@@ -1,3 +1,4 @@
+#include "platform/guard.h"
 #include "shell/settings_store.h"
 #include "tests/shell/test_host.h"
 
@@ -89,16 +90,18 @@ TEST_F(SettingsStore, FullScreenSizesGoAsTheirLowSixteenBits) {
   EXPECT_EQ(host_.lastRequest.body.fullScreenOptions.desiredHeight, -1);
 }
 
-TEST_F(SettingsStore, TheHostMayTakeTheRecordBackWhileItIsAsked) {
-  for (const FourCharCode code : {request::kGetPluginData, request::kSetFullScreenOptions}) {
-    host_.inside = {{code, [this] {
+TEST_F(SettingsStore, TheHostMayReleaseTheRecordWhileItIsAsked) {
+  for (const FourCharCode code :
+       {request::kGetPluginFileSpec, request::kGetPluginData, request::kSetFullScreenOptions}) {
+    host_.inside = {{code, [] {
                        VisualMessage none{};
-                       VisualPluginHandler(message::kCleanup, &none, host_.initReply->init.refCon);
+                       VisualPluginHandler(message::kCleanup, &none, RecordGuard().Record());
                      }}};
-    EXPECT_EQ(host_.Init(), 0);
+    host_.answers[request::kGetPluginFileSpec] = 5;
+    EXPECT_EQ(host_.Init(), 5);
     host_.inside.clear();
-    EXPECT_EQ(host_.SendData(nullptr), status::kNotHandled); // a stale record is not touched
-    EXPECT_EQ(host_.Send(message::kCleanup), 0);
+    EXPECT_EQ(host_.refCon, nullptr);
+    EXPECT_EQ(LastReference(), nullptr);
   }
 }
 

@@ -1,8 +1,6 @@
 // Once a show runs, it takes no memory: an allocation in a frame can wait for another thread's.
-#include "platform/clock.h"
 #include "tests/shell/test_host.h"
 #include "tests/stand_ins/allocation_counter.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 #include <algorithm>
 #include <memory>
@@ -16,18 +14,16 @@ constexpr int kDeliveries = 100;
 constexpr int kFramesPerDelivery = 3;
 constexpr std::uint64_t kFrameInterval = 1000000000 / 60;
 
-using SteadyStateTest = stand_ins::StandInTest;
+using SteadyStateTest = ShellTest;
 
 TEST_F(SteadyStateTest, FramesAndDeliveriesAllocateNothing) {
   stand_ins::SetSilent(true);
   clock::UseStepped(kFrameInterval);
-  HalvenorPort port = stand_ins::OffscreenPort(640, 480);
-  TestHost host;
-  host.Init();
-  Settings& settings = host.Record()->settings; // nothing of a frame is left out
+  host_.Init();
+  Settings& settings = host_.Record()->settings; // nothing of a frame is left out
   settings.colorCycle = settings.sharpOverlay = settings.showFrameRate = 1;
   settings.numFrequencyLabels = 10;
-  ASSERT_EQ(host.Show(&port), 0);
+  ASSERT_EQ(host_.Show(&port_), 0);
   ASSERT_EQ(clock::WaitUntilParked(), clock::StepResult::Frame);
 
   // What the render thread has allocated by the end of the first drawing into a buffer or the
@@ -47,7 +43,7 @@ TEST_F(SteadyStateTest, FramesAndDeliveriesAllocateNothing) {
   for (int delivery = 0; delivery < kDeliveries; ++delivery) {
     std::fill_n(data->spectrum[delivery % 2], 256, static_cast<std::uint8_t>(delivery * 2));
     settings.frequencyScale = delivery % 4;
-    host.SendData(data.get());
+    host_.SendData(data.get());
     for (int frame = 0; frame < kFramesPerDelivery; ++frame)
       clock::Step(clock::Now() + kFrameInterval);
   }
@@ -55,7 +51,6 @@ TEST_F(SteadyStateTest, FramesAndDeliveriesAllocateNothing) {
   // One for the feedback image, four for the blur and one for the window.
   EXPECT_EQ(swaps, kDeliveries * kFramesPerDelivery * 6);
   EXPECT_EQ(last, first);
-  host.Send(message::kHide);
 }
 
 } // namespace

@@ -52,14 +52,10 @@ public:
   Status Init() {
     VisualMessage message{};
     message.init = {10, 1, 0, this, Answer, 0, nullptr};
-    initReply = &message;
     const Status result = VisualPluginHandler(message::kInit, &message, nullptr);
-    initReply = nullptr;
     refCon = message.init.refCon;
     return result;
   }
-  /// The reply to 'init' while it is being handled.
-  VisualMessage* initReply = nullptr;
 
   Status Send(FourCharCode code, VisualMessage message = {}) {
     void* sentWith = refCon;

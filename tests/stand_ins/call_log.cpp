@@ -37,7 +37,7 @@ Log& TheLog() {
   return log;
 }
 
-#define HALVENOR_GL_NAME(arity, name, kinds) #name ", "
+#define HALVENOR_GL_NAME(name, kinds) #name ", "
 #define HALVENOR_TEXT(...) #__VA_ARGS__
 #define HALVENOR_TEXT_OF(list) HALVENOR_TEXT(list)
 const std::vector<std::string_view>& function_names = *new std::vector(SplitList(

@@ -1,10 +1,7 @@
-#define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/gl_effects.h"
 
 #include "tests/stand_ins/agl_stand_in.h"
 #include "tests/stand_ins/gl_recorder.h"
-
-#include <GL/glext.h>
 
 #include <algorithm>
 #include <utility>

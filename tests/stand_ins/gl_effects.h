@@ -3,8 +3,6 @@
 
 #include "tests/stand_ins/recording.h"
 
-#include <GL/gl.h>
-
 #include <array>
 #include <deque>
 #include <map>

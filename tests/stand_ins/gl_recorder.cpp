@@ -1,8 +1,7 @@
-#define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/gl_recorder.h"
 
+#include "gl_calls/current_table.h"
 #include "platform/agl.h"
-#include "tests/stand_ins/gl_definitions.h"
 #include "tests/stand_ins/gl_effects.h"
 
 #include <cstdio>
@@ -86,23 +85,37 @@ void Show(Arguments& shown, char kind, T argument) {
   }
 }
 
-template <Function F, class Result, class... Values>
-Result Serve(const char* kinds, Values... values) {
-  const unsigned fault = Enter(F);
-  GlState& gl = TheGl();
-  gl.CheckUse(F);
-  if (Recording()) {
-    Arguments shown;
-    (Show(shown, *kinds++, values), ...);
-    Record(F, std::move(shown));
+template <gl_calls::Function F, class Signature>
+struct Recorder;
+template <gl_calls::Function F, class Result, class... Values>
+struct Recorder<F, Result(Values...)> {
+  static constexpr auto kFunction = static_cast<Function>(F);
+
+  static Result Call(Values... values) {
+    const unsigned fault = Enter(kFunction);
+    GlState& gl = TheGl();
+    gl.CheckUse(kFunction);
+    if (Recording()) {
+      Arguments shown;
+      [[maybe_unused]] const char* kinds =
+          gl_calls::kDescriptions[static_cast<std::size_t>(F)].kinds;
+      (Show(shown, *kinds++, values), ...);
+      Record(kFunction, std::move(shown));
+    }
+    if (fault != 0) {
+      InjectGlError(fault);
+    } else if constexpr (requires { gl.Do(Of<kFunction>(), values...); }) {
+      return gl.Do(Of<kFunction>(), values...);
+    }
+    return Result();
   }
-  if (fault != 0) {
-    InjectGlError(fault);
-  } else if constexpr (requires { gl.Do(Of<F>(), values...); }) {
-    return gl.Do(Of<F>(), values...);
-  }
-  return Result();
-}
+};
+
+// On every thread, so that calls without a current context are recorded and told as misuses.
+[[maybe_unused]] const bool kIsInPlace = [] {
+  gl_calls::without_context = gl_calls::MakeTable<Recorder>();
+  return true;
+}();
 
 } // namespace
 
@@ -111,6 +124,3 @@ std::string EnumerantText(GLenum value) {
 }
 
 } // namespace halvenor::stand_ins
-
-#define HALVENOR_GL_HERE halvenor::stand_ins
-HALVENOR_GL_FUNCTIONS(HALVENOR_GL_DEFINE)

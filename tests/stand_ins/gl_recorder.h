@@ -1,4 +1,5 @@
-// The stand-in for OpenGL: defines the functions of gl_functions.h as recording ones.
+// The stand-in for OpenGL: a table of recording functions, to which all calls go without a context
+// of the real layer.
 //
 // It keeps which names of textures and programs were given out, what is bound, and the texts of
 // programs. `glProgramStringARB` takes every text that begins with its target's header; another is

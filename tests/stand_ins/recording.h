@@ -1,18 +1,26 @@
 // How the stand-ins write to the log; suites use call_log.h.
 #pragma once
 
+#include "gl_calls/gl_table.h"
 #include "tests/stand_ins/call_log.h"
-#include "tests/stand_ins/gl_functions.h"
-
-#include <GL/gl.h>
 
 #include <atomic>
 #include <cstddef>
 
 namespace halvenor::stand_ins {
 
-/// Every function that a stand-in defines.
-#define HALVENOR_GL_ENUMERATOR(arity, name, kinds) name,
+/// The functions of the platform layer that have stand-ins.
+#define HALVENOR_PLATFORM_FUNCTIONS                                                                \
+  aglChoosePixelFormat, aglDestroyPixelFormat, aglCreateContext, aglDestroyContext, aglSetInteger, \
+      aglEnable, aglSetDrawable, aglSetCurrentContext, aglUpdateContext, aglSwapBuffers,           \
+      aglCreatePBuffer, aglDestroyPBuffer, aglTexImagePBuffer, aglSetPBuffer, aglGetVirtualScreen, \
+      aglGetError, aglErrorString, GetFNum, aglUseFont, CFBundleGetBundleWithIdentifier,           \
+      CFBundleCopyResourcesDirectoryURL, CFBundleCopyPrivateFrameworksURL, CFBundleCreate,         \
+      CFBundleLoadExecutable, CFBundleGetFunctionPointerForName,                                   \
+      CFURLCreateCopyAppendingPathComponent, CFURLGetFileSystemRepresentation, CFRelease
+
+/// Every function that a stand-in defines, those of OpenGL first and numbered as in gl_table.h.
+#define HALVENOR_GL_ENUMERATOR(name, kinds) name,
 enum class Function : std::size_t {
   HALVENOR_GL_FUNCTIONS(HALVENOR_GL_ENUMERATOR) HALVENOR_PLATFORM_FUNCTIONS,
   kCount

@@ -7,8 +7,8 @@
 #include "tests/stand_ins/bundle_stand_in.h"
 #include "tests/stand_ins/call_log.h"
 #include "tests/stand_ins/gl_recorder.h"
-#include "tests/stand_ins/log_lines.h"
 #include "tests/stand_ins/offscreen_port.h"
+#include "tests/support/log_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,17 +1,12 @@
-// The stand-ins themselves: what they count, refuse and tell. That they show every call with its
+// The misuses that the stand-ins report: no other suite has any. That they show every call with its
 // arguments, and fail where they are told to, is what the suites over them look at.
-#define GL_GLEXT_PROTOTYPES
 #include "tests/stand_ins/agl_behaviour.h"
-#include "tests/stand_ins/allocation_counter.h"
 #include "tests/stand_ins/stand_in_test.h"
-
-#include <GL/glext.h>
 
 namespace halvenor::stand_ins {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class StandIns : public StandInTest {
 protected:
@@ -39,21 +34,6 @@ protected:
   AGLPixelFormat format_ = nullptr;
   AGLContext context_ = nullptr;
 };
-
-TEST_F(StandIns, FaultsHitTheCallsTheyAreMeantFor) {
-  Fail("aglSetCurrentContext", AGL_NO_OPENGL, 2, 1);
-  EXPECT_TRUE(aglSetCurrentContext(nullptr));
-  EXPECT_FALSE(aglSetCurrentContext(context_));
-  EXPECT_EQ(CurrentContextNumber(), 0);
-  EXPECT_TRUE(aglSetCurrentContext(context_));
-  EXPECT_EQ(aglGetError(), GLenum{AGL_NO_OPENGL}) << "stays through a later success";
-  InjectGlError(GL_INVALID_ENUM);
-  Fail("glGenLists", GL_OUT_OF_MEMORY);
-  EXPECT_EQ(glGenLists(256), 0U);
-  EXPECT_EQ(glGetError(), GLenum{GL_INVALID_ENUM});
-  EXPECT_EQ(glGetError(), GLenum{GL_OUT_OF_MEMORY});
-  EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
-}
 
 TEST_F(StandIns, TellWhatTheRealLibrariesNeedNotSurvive) {
   glBegin(GL_LINES);
@@ -99,26 +79,6 @@ TEST_F(StandIns, TellWhatTheRealLibrariesNeedNotSurvive) {
                                          "aglDestroyContext: context 1 still has pbuffers",
                                          "aglUpdateContext: context 1 was destroyed before",
                                          "aglDestroyPixelFormat: format 1 was destroyed before"));
-}
-
-TEST_F(StandIns, SilenceRecordsAndAllocatesNothingButCountsOn) {
-  SetSilent(true);
-  const std::uint64_t before = AllocationsOfThisThread();
-  for (int i = 0; i < 10; ++i) {
-    aglSetDrawable(context_, &port_);
-    aglSetCurrentContext(context_);
-    glDrawArrays(GL_LINES, 0, 2);
-    aglSwapBuffers(context_);
-    (void)glGetError();
-  }
-  EXPECT_EQ(AllocationsOfThisThread(), before);
-  EXPECT_THAT(Calls(), IsEmpty());
-  EXPECT_EQ(CallCount("glDrawArrays"), 10U);
-  Fail("glGenLists", GL_OUT_OF_MEMORY);
-  EXPECT_EQ(glGenLists(1), 0U);
-  SetSilent(false);
-  glLoadIdentity();
-  EXPECT_THAT(CallTexts(), ElementsAre("glLoadIdentity()"));
 }
 
 } // namespace

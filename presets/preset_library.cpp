@@ -1,0 +1,291 @@
+#include "presets/preset_library.h"
+
+#include "files/printable.h"
+#include "presets/look.h"
+#include "presets/preset_catalogue.h"
+#include "presets/preset_names.h"
+#include "presets/preset_store.h"
+
+#include <glib.h>
+
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <set>
+#include <system_error>
+#include <utility>
+
+namespace halvenor {
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = PresetMark::Kind;
+using Problem = PresetLibrary::Problem;
+
+constexpr std::size_t kMostUndone = 100;
+
+std::string Quoted(std::string_view verb, std::string_view name) {
+  return std::string(verb) + " \"" + std::string(name) + "\"";
+}
+
+std::string BytesOf(const std::string& name, const Settings& look) {
+  const NamedLook preset{name, look};
+  return PrintPresets(std::span(&preset, 1));
+}
+
+bool IsInside(const fs::path& file, const fs::path& folder) {
+  std::error_code none;
+  const fs::path absolute = fs::absolute(file, none);
+  return fs::equivalent(absolute.parent_path(), folder, none);
+}
+
+} // namespace
+
+struct PresetLibrary::Impl {
+  explicit Impl(Folders folders)
+      : store(std::move(folders.own)), factoryFolder(std::move(folders.factory)) {}
+
+  [[nodiscard]] std::optional<std::string> BytesOnDisk(const std::string& id) const;
+  [[nodiscard]] PresetEdit NewPreset(const std::string& name, const Settings& look) const;
+  /// Tidies `name`. A problem if a preset other than `except` has it.
+  Problem CheckName(std::string& name, std::string_view except) const;
+  Problem Make(PresetChange change, std::string* newId = nullptr);
+  Problem Rewrite(const Preset& preset, std::string text, const std::string& name,
+                  const Settings& look);
+  void RestoreOne(const std::string& id, const StoredPreset& changed, PresetChange& change,
+                  std::set<std::string>& taken) const;
+  Problem Undo();
+
+  PresetStore store;
+  const fs::path factoryFolder;
+  PresetCatalogue catalogue;
+  std::deque<PresetChange> done;
+};
+
+std::optional<std::string> PresetLibrary::Impl::BytesOnDisk(const std::string& id) const {
+  const auto file = store.Files().find(id);
+  return file == store.Files().end() ? std::nullopt : std::optional(file->second.bytes);
+}
+
+Problem PresetLibrary::Impl::Make(PresetChange change, std::string* newId) {
+  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
+  if (newId && !change.edits.empty()) *newId = change.edits.front().id;
+  done.push_back(std::move(change));
+  if (done.size() > kMostUndone) done.pop_front();
+  catalogue.Show(store);
+  return std::nullopt;
+}
+
+Problem PresetLibrary::Impl::Undo() {
+  if (done.empty()) return "There is nothing to undo.";
+  PresetChange change = Reversed(done.back());
+  change.moved.clear();
+  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
+  done.pop_back();
+  const auto follow = [&](std::string& id) {
+    if (const auto moved = change.moved.find(id); moved != change.moved.end()) id = moved->second;
+  };
+  for (PresetChange& earlier : done) {
+    for (PresetEdit& edit : earlier.edits)
+      follow(edit.id);
+    for (PresetMark& mark : earlier.marks)
+      follow(mark.id);
+  }
+  catalogue.Show(store);
+  return std::nullopt;
+}
+
+PresetEdit PresetLibrary::Impl::NewPreset(const std::string& name, const Settings& look) const {
+  return {FreshIdFor(name, catalogue.FactoryIds()), std::nullopt, BytesOf(name, look)};
+}
+
+Problem PresetLibrary::Impl::CheckName(std::string& name, std::string_view except) const {
+  name = TidyPresetName(name);
+  if (name.empty()) return "A preset needs a name.";
+  for (const Preset& preset : catalogue.Presets())
+    if (preset.id != except && Folded(preset.name) == Folded(name))
+      return "There is already a preset called \"" + preset.name + "\".";
+  return std::nullopt;
+}
+
+Problem PresetLibrary::Impl::Rewrite(const Preset& preset, std::string text,
+                                     const std::string& name, const Settings& look) {
+  PresetChange change{std::move(text), {}, {}, {}};
+  change.edits.push_back({preset.id, BytesOnDisk(preset.id), BytesOf(name, look)});
+  return Make(std::move(change));
+}
+
+void PresetLibrary::Impl::RestoreOne(const std::string& id, const StoredPreset& changed,
+                                     PresetChange& change, std::set<std::string>& taken) const {
+  const NamedLook& original = catalogue.Factory().at(id).preset;
+  if (!SamePreset(original, changed.preset)) {
+    std::string name = changed.preset.name;
+    if (Folded(name) == Folded(original.name)) name = FreshNameFor(name, taken);
+    taken.insert(Folded(name));
+    change.edits.push_back(NewPreset(name, changed.preset.look));
+    if (store.IsMarked(Kind::Favourite, id))
+      change.marks.push_back({Kind::Favourite, change.edits.back().id, true});
+  }
+  change.edits.push_back({id, changed.bytes, std::nullopt});
+}
+
+namespace {
+
+Problem NoSuchPreset(std::string_view id) {
+  return "There is no preset \"" + Printable(id) + "\".";
+}
+
+} // namespace
+
+fs::path PresetLibrary::DefaultFolder() {
+  const char* const asked = std::getenv("XDG_DATA_HOME");
+  fs::path base(asked ? asked : "");
+  if (!base.is_absolute()) base = fs::path(g_get_home_dir()) / ".local/share";
+  return base / "halvenor/presets";
+}
+
+fs::path PresetLibrary::FactoryFolder(const fs::path& plugin) {
+  return plugin / "Contents/Frameworks/CocoaBundle.bundle/Contents/Resources/Presets";
+}
+
+PresetLibrary::PresetLibrary(Folders folders) : impl_(std::make_unique<Impl>(std::move(folders))) {}
+PresetLibrary::~PresetLibrary() = default;
+
+std::vector<std::string> PresetLibrary::Load() {
+  impl_->catalogue.LoadFactory(impl_->factoryFolder);
+  std::vector<std::string> lines = impl_->store.Load();
+  for (const auto& [id, line] : impl_->catalogue.Unreadable())
+    lines.push_back(line);
+  impl_->catalogue.Show(impl_->store);
+  return lines;
+}
+
+std::span<const Preset> PresetLibrary::Presets() const {
+  return impl_->catalogue.Presets();
+}
+
+const Preset* PresetLibrary::Find(std::string_view id) const {
+  return impl_->catalogue.Find(id);
+}
+
+const Preset* PresetLibrary::FindByName(std::string_view name) const {
+  return impl_->catalogue.FindByName(name);
+}
+
+const std::string* PresetLibrary::Unreadable(std::string_view name) const {
+  const std::map<std::string, std::string>* const all[] = {&impl_->store.Unreadable(),
+                                                           &impl_->catalogue.Unreadable()};
+  for (const std::string& id : {Folded(name), FreshIdFor(name, {})})
+    for (const auto* const lines : all)
+      if (const auto line = lines->find(id); line != lines->end()) return &line->second;
+  return nullptr;
+}
+
+std::string PresetLibrary::FreshName(std::string_view wish) const {
+  return FreshNameFor(wish, impl_->catalogue.Names());
+}
+
+Problem PresetLibrary::Add(std::string_view name, const Settings& look, std::string* id) {
+  std::string tidy(name);
+  if (Problem problem = impl_->CheckName(tidy, "")) return problem;
+  return impl_->Make({Quoted("Add", tidy), {impl_->NewPreset(tidy, look)}, {}, {}}, id);
+}
+
+Problem PresetLibrary::Duplicate(std::string_view id, std::string* newId) {
+  const Preset* const preset = Find(id);
+  if (!preset) return NoSuchPreset(id);
+  const PresetEdit copy = impl_->NewPreset(FreshName(preset->name), preset->look);
+  return impl_->Make({Quoted("Duplicate", preset->name), {copy}, {}, {}}, newId);
+}
+
+Problem PresetLibrary::Rename(std::string_view id, std::string_view name) {
+  const Preset* const preset = Find(id);
+  if (!preset) return NoSuchPreset(id);
+  std::string tidy(name);
+  if (Problem problem = impl_->CheckName(tidy, id)) return problem;
+  if (tidy == preset->name) return std::nullopt;
+  return impl_->Rewrite(*preset, Quoted("Rename", preset->name), tidy, preset->look);
+}
+
+Problem PresetLibrary::Replace(std::string_view id, const Settings& look) {
+  const Preset* const preset = Find(id);
+  if (!preset) return NoSuchPreset(id);
+  if (SameLook(preset->look, TidyLook(look))) return std::nullopt;
+  return impl_->Rewrite(*preset, Quoted("Change", preset->name), preset->name, look);
+}
+
+Problem PresetLibrary::Remove(std::string_view id) {
+  const Preset* const preset = Find(id);
+  if (!preset) return NoSuchPreset(id);
+  PresetChange change{Quoted("Delete", preset->name), {}, {}, {}};
+  if (const auto bytes = impl_->BytesOnDisk(preset->id))
+    change.edits.push_back({preset->id, bytes, std::nullopt});
+  if (impl_->catalogue.Factory().contains(preset->id))
+    change.marks.push_back({Kind::Hidden, preset->id, true});
+  if (preset->favourite) change.marks.push_back({Kind::Favourite, preset->id, false});
+  return impl_->Make(std::move(change));
+}
+
+Problem PresetLibrary::SetFavourite(std::string_view id, bool favourite) {
+  const Preset* const preset = Find(id);
+  if (!preset) return NoSuchPreset(id);
+  if (preset->favourite == favourite) return std::nullopt;
+  return impl_->Make({Quoted(favourite ? "Mark" : "Unmark", preset->name),
+                      {},
+                      {{Kind::Favourite, preset->id, favourite}},
+                      {}});
+}
+
+Problem PresetLibrary::RestoreFactory() {
+  PresetChange change{"Restore Factory Presets", {}, {}, {}};
+  std::set<std::string> taken = impl_->catalogue.Names();
+  for (const auto& [id, original] : impl_->catalogue.Factory()) {
+    taken.insert(Folded(original.preset.name));
+    if (impl_->store.IsMarked(Kind::Hidden, id)) change.marks.push_back({Kind::Hidden, id, false});
+  }
+  for (const auto& [id, own] : impl_->store.Files())
+    if (impl_->catalogue.Factory().contains(id)) impl_->RestoreOne(id, own, change, taken);
+  if (change.edits.empty() && change.marks.empty()) return std::nullopt;
+  return impl_->Make(std::move(change));
+}
+
+std::string PresetLibrary::UndoText() const {
+  return impl_->done.empty() ? "" : impl_->done.back().text;
+}
+
+Problem PresetLibrary::Undo() {
+  return impl_->Undo();
+}
+
+Problem PresetLibrary::Import(const fs::path& file, std::vector<std::string>* added) {
+  std::string problem;
+  const auto read = ReadPresetFile(file, problem);
+  if (!read) return problem;
+  PresetChange change{Quoted("Import", Printable(file.filename().string())), {}, {}, {}};
+  std::set<std::string> taken = impl_->catalogue.Names();
+  for (const NamedLook& preset : *read) {
+    const std::string name = FreshNameFor(preset.name, taken);
+    taken.insert(Folded(name));
+    change.edits.push_back(impl_->NewPreset(name, preset.look));
+  }
+  if (Problem failed = impl_->Make(std::move(change))) return failed;
+  if (added)
+    for (const PresetEdit& edit : impl_->done.back().edits)
+      added->push_back(edit.id);
+  return std::nullopt;
+}
+
+Problem PresetLibrary::Export(const fs::path& file, std::span<const std::string> ids) const {
+  std::vector<NamedLook> presets;
+  for (const std::string& id : ids) {
+    const Preset* const preset = Find(id);
+    if (!preset) return NoSuchPreset(id);
+    presets.push_back({preset->name, preset->look});
+  }
+  if (IsInside(file, impl_->store.Path()))
+    return "cannot write " + Printable(file.string()) + ": it is the folder of the presets";
+  std::string problem;
+  return WritePresetFile(file, presets, problem) ? std::nullopt : std::optional(problem);
+}
+
+} // namespace halvenor

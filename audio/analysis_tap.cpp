@@ -16,8 +16,8 @@ constexpr const char* kTrackEvent = "halvenor-track";
 } // namespace
 
 AnalysisTap::AnalysisTap(GstAppSink* sink)
-    : analyser_([this](const AnalysedSound& analysed) { Keep(analysed); }) {
-  const std::scoped_lock lock(analysing_);
+    : analyzer_([this](const AnalyzedSound& analyzed) { Keep(analyzed); }) {
+  const std::scoped_lock lock(analyzing_);
   GstAppSinkCallbacks callbacks{};
   callbacks.new_sample = OnSample;
   callbacks.eos = OnEnd;
@@ -29,7 +29,7 @@ AnalysisTap::AnalysisTap(GstAppSink* sink)
 }
 
 AnalysisTap::~AnalysisTap() {
-  const std::scoped_lock lock(analysing_, mutex_);
+  const std::scoped_lock lock(analyzing_, mutex_);
 }
 
 GstEvent* AnalysisTap::MakeTrackEvent(int track) {
@@ -39,14 +39,14 @@ GstEvent* AnalysisTap::MakeTrackEvent(int track) {
 
 GstFlowReturn AnalysisTap::OnSample(GstAppSink* sink, void* self) {
   if (const gst_media::Sample sample{gst_app_sink_pull_sample(sink)})
-    static_cast<AnalysisTap*>(self)->Analyse(sample.get());
+    static_cast<AnalysisTap*>(self)->Analyze(sample.get());
   return GST_FLOW_OK;
 }
 
 void AnalysisTap::OnEnd(GstAppSink* /*sink*/, void* self) {
   auto* tap = static_cast<AnalysisTap*>(self);
-  const std::scoped_lock lock(tap->analysing_);
-  tap->analyser_.Flush();
+  const std::scoped_lock lock(tap->analyzing_);
+  tap->analyzer_.Flush();
   tap->anchored_ = false;
 }
 
@@ -57,7 +57,7 @@ GstPadProbeReturn AnalysisTap::OnEvent(GstPad* /*pad*/, GstPadProbeInfo* info, v
   if (gst_event_has_name(event, kTrackEvent) != FALSE &&
       gst_structure_get_int(content, "track", &track) != FALSE) {
     auto* tap = static_cast<AnalysisTap*>(self);
-    const std::scoped_lock lock(tap->analysing_);
+    const std::scoped_lock lock(tap->analyzing_);
     tap->track_ = track;
   }
   if (GST_EVENT_TYPE(event) == GST_EVENT_FLUSH_STOP) static_cast<AnalysisTap*>(self)->Forget();
@@ -66,8 +66,8 @@ GstPadProbeReturn AnalysisTap::OnEvent(GstPad* /*pad*/, GstPadProbeInfo* info, v
 
 /// After a flush the running time begins at 0 again.
 void AnalysisTap::Forget() {
-  const std::scoped_lock lock(analysing_, mutex_);
-  analyser_.Reset();
+  const std::scoped_lock lock(analyzing_, mutex_);
+  analyzer_.Reset();
   anchored_ = false;
   count_ = 0;
   marks_.clear();
@@ -75,15 +75,15 @@ void AnalysisTap::Forget() {
 }
 
 /// A jump in the time begins a new count of records; from one track to the next there is none.
-void AnalysisTap::Analyse(GstSample* sample) {
-  const std::scoped_lock lock(analysing_);
+void AnalysisTap::Analyze(GstSample* sample) {
+  const std::scoped_lock lock(analyzing_);
   const std::int64_t expected = origin_ + pushed_ * GST_SECOND / kAnalysisRate;
   const std::int64_t time = gst_media::RunningTime(sample).value_or(expected);
   if (!anchored_ || std::abs(time - expected) > kLongestGap) Restart(time);
   const std::int64_t position = gst_media::StreamTime(sample).value_or(time);
   Note({time, position - time, track_});
   const gst_media::Frames frames(sample);
-  analyser_.Push(frames.Values());
+  analyzer_.Push(frames.Values());
   const auto count = static_cast<std::int64_t>(frames.Values().size() / 2);
   pushed_ += count;
   Count(position, count);
@@ -91,7 +91,7 @@ void AnalysisTap::Analyse(GstSample* sample) {
 
 /// After a jump backwards what had been kept from there on is not heard again.
 void AnalysisTap::Restart(std::int64_t time) {
-  analyser_.Flush();
+  analyzer_.Flush();
   anchored_ = true;
   origin_ = time;
   pushed_ = 0;
@@ -126,15 +126,15 @@ std::optional<double> AnalysisTap::DecodedUntil(int track) {
          static_cast<double>(found->second.frames) / kAnalysisRate;
 }
 
-void AnalysisTap::Keep(const AnalysedSound& analysed) {
+void AnalysisTap::Keep(const AnalyzedSound& analyzed) {
   const std::scoped_lock lock(mutex_);
   if (count_ == kept_.size()) {
     first_ = (first_ + 1) % kept_.size();
     --count_;
   }
   Timed& timed = kept_[(first_ + count_) % kept_.size()];
-  timed.time = origin_ + static_cast<std::int64_t>(analysed.index) * kRecordTime;
-  timed.record = analysed.record;
+  timed.time = origin_ + static_cast<std::int64_t>(analyzed.index) * kRecordTime;
+  timed.record = analyzed.record;
   ++count_;
 }
 

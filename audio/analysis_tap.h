@@ -2,7 +2,7 @@
 // the audio library.
 #pragma once
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/gst_media.h"
 
 #include <gst/app/gstappsink.h>
@@ -16,7 +16,7 @@
 
 namespace halvenor {
 
-/// Analyses what reaches an appsink, on the thread that brings it there, and keeps the records
+/// Analyzes what reaches an appsink, on the thread that brings it there, and keeps the records
 /// with their times until the host's thread takes them. Times are the pipeline's running times in
 /// nanoseconds. Must outlive the running pipeline.
 class AnalysisTap {
@@ -66,18 +66,18 @@ private:
   static GstFlowReturn OnSample(GstAppSink* sink, void* self);
   static void OnEnd(GstAppSink* sink, void* self);
   static GstPadProbeReturn OnEvent(GstPad* pad, GstPadProbeInfo* info, void* self);
-  void Analyse(GstSample* sample);
+  void Analyze(GstSample* sample);
   void Forget();
   void Restart(std::int64_t time);
   void Note(const Mark& mark);
   void Count(std::int64_t position, std::int64_t frames);
-  void Keep(const AnalysedSound& analysed);
+  void Keep(const AnalyzedSound& analyzed);
 
-  // Held wherever the analyser is used: sound comes on one thread at a time, but not on one alone.
-  std::mutex analysing_;
-  Analyser analyser_;
+  // Held wherever the analyzer is used: sound comes on one thread at a time, but not on one alone.
+  std::mutex analyzing_;
+  Analyzer analyzer_;
   bool anchored_ = false;
-  std::int64_t origin_ = 0; // time of the analyser's first frame
+  std::int64_t origin_ = 0; // time of the analyzer's first frame
   std::int64_t pushed_ = 0; // frames since then
   int track_ = 0;
 

@@ -32,7 +32,7 @@ constexpr std::array kExactContainers{
 };
 
 struct Stored {
-  AnalysedSound analysed;
+  AnalyzedSound analyzed;
   std::array<float, 2 * kFramesPerRecord> sound;
 };
 
@@ -54,13 +54,13 @@ struct AudioReader::Decoder {
   std::int64_t lead = 0; // frames to skip, or (negative) frames of silence to insert
   bool started = false;  // `lead` is known
   bool ended = false;
-  std::uint64_t fed = 0; // frames that the analyser has
+  std::uint64_t fed = 0; // frames that the analyzer has
   std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
 
   // A feed yields at most one record and the end at most two more.
   std::vector<Stored> ready;
   std::size_t taken = 0;
-  Analyser analyser{[this](const AnalysedSound& analysed) { Store(analysed); }};
+  Analyzer analyzer{[this](const AnalyzedSound& analyzed) { Store(analyzed); }};
 
   ~Decoder();
   bool Open();
@@ -69,7 +69,7 @@ struct AudioReader::Decoder {
   bool SeekToStart();
   void FindLength();
 
-  void Store(const AnalysedSound& analysed);
+  void Store(const AnalyzedSound& analyzed);
   void Advance();
   bool Fetch();
   void Align();
@@ -115,7 +115,7 @@ bool AudioReader::Decoder::WaitFor(GstMessageType wanted) {
     const Message message(gst_bus_timed_pop(bus.get(), kPatience));
     if (message && !HandleMessage(message.get())) return false;
     if (message && GST_MESSAGE_TYPE(message.get()) == wanted) return true;
-    if (options.cancelled && options.cancelled()) {
+    if (options.canceled && options.canceled()) {
       Fail("given up");
       return false;
     }
@@ -150,14 +150,14 @@ bool AudioReader::Decoder::SeekToStart() {
   return WaitFor(GST_MESSAGE_ASYNC_DONE);
 }
 
-void AudioReader::Decoder::Store(const AnalysedSound& analysed) {
+void AudioReader::Decoder::Store(const AnalyzedSound& analyzed) {
   Stored& stored = ready.emplace_back();
-  stored.analysed = analysed;
-  std::copy(analysed.sound.begin(), analysed.sound.end(), stored.sound.begin());
-  stored.analysed.sound = {stored.sound.data(), analysed.sound.size()};
+  stored.analyzed = analyzed;
+  std::copy(analyzed.sound.begin(), analyzed.sound.end(), stored.sound.begin());
+  stored.analyzed.sound = {stored.sound.data(), analyzed.sound.size()};
 }
 
-/// One step towards the next record or the end.
+/// One step toward the next record or the end.
 void AudioReader::Decoder::Advance() {
   if (fed >= limit) {
     Finish();
@@ -180,7 +180,7 @@ bool AudioReader::Decoder::Fetch() {
     if (!started) Align();
     return true;
   }
-  if (options.cancelled && options.cancelled()) Fail("given up");
+  if (options.canceled && options.canceled()) Fail("given up");
   if (error.empty() && gst_app_sink_is_eos(from) == FALSE) return false;
   if (error.empty()) CheckLength();
   Finish();
@@ -220,7 +220,7 @@ void AudioReader::Decoder::Feed() {
 
 void AudioReader::Decoder::FeedFrames(std::span<const float> sound) {
   const std::uint64_t frames = std::min<std::uint64_t>(sound.size() / 2, limit - fed);
-  analyser.Push(sound.first(static_cast<std::size_t>(2 * frames)));
+  analyzer.Push(sound.first(static_cast<std::size_t>(2 * frames)));
   fed += frames;
 }
 
@@ -243,7 +243,7 @@ void AudioReader::Decoder::CheckLength() {
 
 void AudioReader::Decoder::Finish() {
   sample.reset();
-  analyser.Flush();
+  analyzer.Flush();
   ended = true;
 }
 
@@ -280,7 +280,7 @@ std::optional<double> AudioReader::Length() const {
   return std::min(rest, options.durationSeconds.value_or(rest));
 }
 
-const AnalysedSound* AudioReader::Next() {
+const AnalyzedSound* AudioReader::Next() {
   Decoder& decoder = *decoder_;
   if (decoder.taken == decoder.ready.size()) {
     decoder.ready.clear();
@@ -289,7 +289,7 @@ const AnalysedSound* AudioReader::Next() {
       decoder.Advance();
     if (decoder.ready.empty()) return nullptr;
   }
-  return &decoder.ready[decoder.taken++].analysed;
+  return &decoder.ready[decoder.taken++].analyzed;
 }
 
 const std::string& AudioReader::Error() const {

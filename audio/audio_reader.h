@@ -1,7 +1,7 @@
-// Audio files for offline hosts: decoded and analysed as fast as they are asked for.
+// Audio files for offline hosts: decoded and analyzed as fast as they are asked for.
 #pragma once
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/media_tags.h"
 #include "audio/promised_length.h"
 
@@ -17,7 +17,7 @@ struct AudioReaderOptions {
   double startSeconds = 0;               ///< exact to the sample; record 0 begins here
   std::optional<double> durationSeconds; ///< none: to the end; a longer one ends with the sound
   /// Asked a few times a second while waiting for a medium; true makes the call that waits fail.
-  std::function<bool()> cancelled;
+  std::function<bool()> canceled;
 };
 
 /// Uses threads of its own for decoding, a bounded distance ahead; call it from one thread.
@@ -44,7 +44,7 @@ public:
 
   /// The next record with its sound, valid until the next call; null after the last one or on
   /// failure. A damaged medium yields the records before the damage first.
-  const AnalysedSound* Next();
+  const AnalyzedSound* Next();
 
   /// After `Next` returned null: empty at the regular end, else the failure.
   [[nodiscard]] const std::string& Error() const;

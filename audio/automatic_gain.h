@@ -1,4 +1,4 @@
-// Lifts quiet sound before it is analysed, so that the picture does not depend on volume knobs.
+// Lifts quiet sound before it is analyzed, so that the picture does not depend on volume knobs.
 #pragma once
 
 #include "protocol/render_visual_data.h"

@@ -44,7 +44,7 @@ HeardClock::Clock::time_point HeardClock::Heard(std::uint64_t frame) const {
 }
 
 void CapturedRecords::Restart() {
-  analyser_.Reset();
+  analyzer_.Reset();
   clock_.Reset();
   kept_.clear();
   frames_ = 0;
@@ -76,13 +76,13 @@ void CapturedRecords::TakePiece(std::span<const float> piece) {
   const std::span<float> now = std::span(lifted).first(piece.size());
   frames_ += piece.size() / 2;
   gain_.Apply(now);
-  analyser_.Push(now);
+  analyzer_.Push(now);
 }
 
-void CapturedRecords::Keep(const AnalysedSound& analysed) {
-  gain_.Observe(analysed.record);
+void CapturedRecords::Keep(const AnalyzedSound& analyzed) {
+  gain_.Observe(analyzed.record);
   if (kept_.size() == kMostKept) kept_.pop_front();
-  kept_.push_back({analysed.index * kFramesPerRecord, std::exchange(peak_, 0.0F), analysed.record});
+  kept_.push_back({analyzed.index * kFramesPerRecord, std::exchange(peak_, 0.0F), analyzed.record});
 }
 
 std::optional<CapturedRecords::Captured> CapturedRecords::Next(Clock::time_point now,

@@ -2,7 +2,7 @@
 // the audio library.
 #pragma once
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/automatic_gain.h"
 
 #include <chrono>
@@ -29,7 +29,7 @@ private:
   int jumping_ = 0; // observations in a row
 };
 
-/// Takes the sound of one stream after the other, lifts it by an automatic gain and analyses it.
+/// Takes the sound of one stream after the other, lifts it by an automatic gain and analyzes it.
 class CapturedRecords {
 public:
   using Clock = std::chrono::steady_clock;
@@ -56,10 +56,10 @@ public:
 
 private:
   void TakePiece(std::span<const float> piece);
-  void Keep(const AnalysedSound& analysed);
+  void Keep(const AnalyzedSound& analyzed);
 
   AutomaticGain gain_;
-  Analyser analyser_{[this](const AnalysedSound& analysed) { Keep(analysed); },
+  Analyzer analyzer_{[this](const AnalyzedSound& analyzed) { Keep(analyzed); },
                      AnalysisWindows::Past};
   HeardClock clock_;
   std::uint64_t frames_ = 0; // of this stream so far

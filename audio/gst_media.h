@@ -59,7 +59,7 @@ bool TakeTags(GstMessage* message, MediaTags& tags);
 bool TakeTags(const GstTagList* list, StreamTags& tags);
 
 /// The beginnings of both pipelines, as GStreamer's textual descriptions: what decodes the first
-/// sound stream of its `uri` property, and what turns any sound into what the analyser takes.
+/// sound stream of its `uri` property, and what turns any sound into what the analyzer takes.
 inline constexpr const char* kDecoder =
     "uridecodebin name=decoder caps=audio/x-raw expose-all-streams=false";
 inline constexpr const char* kToAnalysis =

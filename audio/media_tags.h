@@ -1,6 +1,6 @@
 // What the two sources of sound share: `AudioReader` (audio/audio_reader.h), which decodes as fast
 // as it is asked, and `MediaPlayer` (audio/media_player.h), which plays. Both take a path or a URI,
-// anything that GStreamer and its installed plug-ins decode, and analyse its first sound stream at
+// anything that GStreamer and its installed plug-ins decode, and analyze its first sound stream at
 // any rate: mono feeds both channels, more than two are mixed down.
 #pragma once
 

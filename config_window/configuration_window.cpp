@@ -125,7 +125,7 @@ void ConfigurationWindow::hideEvent(QHideEvent* event) {
   qApp->removeEventFilter(this);
   live_.Watch(false);
   presets_->StopPictures();
-  // Hidden, not rejected, which would put a colour back.
+  // Hidden, not rejected, which would put a color back.
   for (auto* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly)) {
     dialog->hide();
     dialog->deleteLater();

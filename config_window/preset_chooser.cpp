@@ -13,7 +13,7 @@ constexpr double kLongestChange = 60;
 
 constexpr char kInterval[] = "switching/interval";
 constexpr char kSmooth[] = "switching/smooth";
-constexpr char kFavouritesOnly[] = "switching/favouritesOnly";
+constexpr char kFavoritesOnly[] = "switching/favouritesOnly";
 constexpr char kRandom[] = "switching/random";
 
 } // namespace
@@ -82,11 +82,11 @@ void PresetChooser::Choose(const std::string& id) {
   emit ChosenChanged();
 }
 
-// All of them while none is a favourite: switching never stands still.
+// All of them while none is a favorite: switching never stands still.
 std::vector<const Preset*> PresetChooser::Allowed() {
   std::vector<const Preset*> allowed;
   for (const Preset& preset : library_.Presets()) {
-    if (preset.favourite || !preferences_.favouritesOnly) allowed.push_back(&preset);
+    if (preset.favorite || !preferences_.favoritesOnly) allowed.push_back(&preset);
   }
   if (allowed.empty()) {
     for (const Preset& preset : library_.Presets())
@@ -142,7 +142,7 @@ void PresetChooser::ReadPreferences() {
   Switching& to = preferences_;
   to.interval = number(kInterval, to.interval, kShortestInterval, kLongestInterval);
   to.smooth = number(kSmooth, to.smooth, 0, kLongestChange);
-  to.favouritesOnly = store_.value(QLatin1String(kFavouritesOnly), to.favouritesOnly).toBool();
+  to.favoritesOnly = store_.value(QLatin1String(kFavoritesOnly), to.favoritesOnly).toBool();
   to.random = store_.value(QLatin1String(kRandom), to.random).toBool();
 }
 
@@ -151,7 +151,7 @@ void PresetChooser::SetPreferences(const Switching& preferences) {
   if (IsSwitching()) live_.SetInterval(preferences_.interval);
   store_.setValue(QLatin1String(kInterval), preferences_.interval);
   store_.setValue(QLatin1String(kSmooth), preferences_.smooth);
-  store_.setValue(QLatin1String(kFavouritesOnly), preferences_.favouritesOnly);
+  store_.setValue(QLatin1String(kFavoritesOnly), preferences_.favoritesOnly);
   store_.setValue(QLatin1String(kRandom), preferences_.random);
   store_.sync();
   if (store_.status() != QSettings::NoError)

@@ -18,7 +18,7 @@ namespace halvenor {
 struct Switching {
   double interval = 30; ///< seconds between two changes
   double smooth = 3;    ///< seconds that a change takes
-  bool favouritesOnly = false;
+  bool favoritesOnly = false;
   bool random = false;
 };
 

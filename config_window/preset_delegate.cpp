@@ -47,7 +47,7 @@ QPainterPath Star(const QRectF& in) {
   return path;
 }
 
-// Pictures are dark in the light theme, too, so the star has colours of its own.
+// Pictures are dark in the light theme, too, so the star has colors of its own.
 void PaintStar(QPainter& painter, const QRect& in, bool filled) {
   const QPainterPath star = Star(QRectF(in).adjusted(2, 2, -2, -2));
   painter.setPen(QPen(QColor(0, 0, 0, 160), 3));
@@ -81,7 +81,7 @@ void PresetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
   const QPalette& palette = option.palette;
   const bool selected = option.state & QStyle::State_Selected;
   const bool chosen = index.data(PresetModel::kChosen).toBool();
-  const bool favourite = index.data(PresetModel::kFavourite).toBool();
+  const bool favorite = index.data(PresetModel::kFavorite).toBool();
   const QRect picture = PictureRect(option.rect, option.font);
   painter->save();
   painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -102,8 +102,8 @@ void PresetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     painter->drawPixmap(picture, pixmap);
   }
   painter->setClipping(false);
-  if (favourite || option.state & QStyle::State_MouseOver || selected)
-    PaintStar(*painter, StarRect(option.rect, option.font), favourite);
+  if (favorite || option.state & QStyle::State_MouseOver || selected)
+    PaintStar(*painter, StarRect(option.rect, option.font), favorite);
   if (chosen) {
     painter->setPen(
         QPen(palette.color(selected ? QPalette::HighlightedText : QPalette::Highlight), 3));

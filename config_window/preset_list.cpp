@@ -70,7 +70,7 @@ bool PresetList::ClickedStar(const QMouseEvent& event) {
   if (event.button() != Qt::LeftButton || !index.isValid() ||
       !PresetDelegate::StarRect(visualRect(index), font()).contains(at))
     return false;
-  filter_.setData(index, !index.data(PresetModel::kFavourite).toBool(), PresetModel::kFavourite);
+  filter_.setData(index, !index.data(PresetModel::kFavorite).toBool(), PresetModel::kFavorite);
   return true;
 }
 

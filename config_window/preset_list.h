@@ -10,7 +10,7 @@
 
 namespace halvenor {
 
-/// A wall of pictures. A click or Enter chooses; a click on a star marks a favourite. The current
+/// A wall of pictures. A click or Enter chooses; a click on a star marks a favorite. The current
 /// row stays when the presets change.
 class PresetList final : public QListView {
   Q_OBJECT

@@ -43,12 +43,12 @@ QVariant PresetModel::data(const QModelIndex& index, int role) const {
   case Qt::ToolTipRole:
     return name;
   case Qt::AccessibleTextRole:
-    return name + (preset.favourite ? tr(", favourite") : QString()) +
+    return name + (preset.favorite ? tr(", favorite") : QString()) +
            (chosen ? tr(", chosen") : QString());
   case kId:
     return QString::fromStdString(preset.id);
-  case kFavourite:
-    return preset.favourite;
+  case kFavorite:
+    return preset.favorite;
   case kOwn:
     return preset.origin == Preset::Origin::Own;
   case kChosen:
@@ -63,9 +63,9 @@ QVariant PresetModel::data(const QModelIndex& index, int role) const {
 bool PresetModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   if (!index.isValid()) return false;
   const Preset& preset = rows_[static_cast<std::size_t>(index.row())];
-  if (role == kFavourite) {
+  if (role == kFavorite) {
     return chooser_.Alter(
-        [&](PresetLibrary& library) { return library.SetFavourite(preset.id, value.toBool()); });
+        [&](PresetLibrary& library) { return library.SetFavorite(preset.id, value.toBool()); });
   }
   const std::string name = value.toString().toStdString();
   if (role != Qt::EditRole || name == preset.name) return false;
@@ -86,14 +86,14 @@ void PresetFilter::SetText(const QString& text) {
   invalidateFilter();
 }
 
-void PresetFilter::SetFavouritesOnly(bool only) {
-  favouritesOnly_ = only;
+void PresetFilter::SetFavoritesOnly(bool only) {
+  favoritesOnly_ = only;
   invalidateFilter();
 }
 
 bool PresetFilter::filterAcceptsRow(int row, const QModelIndex& parent) const {
   const QModelIndex index = sourceModel()->index(row, 0, parent);
-  if (favouritesOnly_ && !index.data(PresetModel::kFavourite).toBool()) return false;
+  if (favoritesOnly_ && !index.data(PresetModel::kFavorite).toBool()) return false;
   return index.data().toString().contains(text_, Qt::CaseInsensitive);
 }
 

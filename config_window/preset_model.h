@@ -16,7 +16,7 @@ class PresetModel final : public QAbstractListModel {
 public:
   enum Role {
     kId = Qt::UserRole, ///< QString
-    kFavourite,         ///< bool; may be set
+    kFavorite,          ///< bool; may be set
     kOwn,               ///< bool: no factory preset
     kChosen,            ///< bool: its look is the one that is seen
     kPicture            ///< QPixmap, null while there is none
@@ -42,7 +42,7 @@ private:
   std::vector<Preset> rows_; ///< the library's own may go while a view looks
 };
 
-/// The rows whose name holds a text, and of those the favourites.
+/// The rows whose name holds a text, and of those the favorites.
 class PresetFilter final : public QSortFilterProxyModel {
   Q_OBJECT
 
@@ -50,14 +50,14 @@ public:
   explicit PresetFilter(PresetModel& model) { setSourceModel(&model); }
 
   void SetText(const QString& text);
-  void SetFavouritesOnly(bool only);
+  void SetFavoritesOnly(bool only);
 
 protected:
   bool filterAcceptsRow(int row, const QModelIndex& parent) const override;
 
 private:
   QString text_;
-  bool favouritesOnly_ = false;
+  bool favoritesOnly_ = false;
 };
 
 } // namespace halvenor

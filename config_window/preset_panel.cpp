@@ -37,7 +37,7 @@ const PresetPanel::ActionRow PresetPanel::kActions[] = {
      HALVENOR_TEXT("Dupl&icate")},
     {"rename", HALVENOR_TEXT("Rename"), "F2", &PresetPanel::Rename, true},
     {"replace", HALVENOR_TEXT("Replace with the Current Look"), "", &PresetPanel::Replace, true},
-    {"favourite", HALVENOR_TEXT("Favourite"), "Ctrl+B", &PresetPanel::Favourite, true},
+    {"favorite", HALVENOR_TEXT("Favorite"), "Ctrl+B", &PresetPanel::Favorite, true},
     {"delete", HALVENOR_TEXT("Delete"), "Del", &PresetPanel::Delete, true, 1,
      HALVENOR_TEXT("D&elete"), true},
     {"undo", HALVENOR_TEXT("Undo"), "Ctrl+Z", &PresetPanel::Undo, false, 1, HALVENOR_TEXT("Und&o")},
@@ -105,7 +105,7 @@ QLayout* PresetPanel::MakeSearch() {
   search_->setObjectName(QStringLiteral("search"));
   search_->setPlaceholderText(tr("Search presets"));
   search_->setAccessibleName(search_->placeholderText());
-  // Dark themes may leave the usual colour for this at black.
+  // Dark themes may leave the usual color for this at black.
   QPalette palette = search_->palette();
   QColor faint = palette.color(QPalette::Text);
   faint.setAlphaF(0.5F);
@@ -113,16 +113,16 @@ QLayout* PresetPanel::MakeSearch() {
   search_->setPalette(palette);
   search_->setClearButtonEnabled(true);
   connect(search_, &QLineEdit::textChanged, &filter_, &PresetFilter::SetText);
-  favouritesShown_ = new QToolButton;
-  favouritesShown_->setObjectName(QStringLiteral("favouritesShown"));
-  favouritesShown_->setText(QStringLiteral("\u2605"));
-  favouritesShown_->setCheckable(true);
-  favouritesShown_->setFocusPolicy(Qt::StrongFocus);
-  favouritesShown_->setToolTip(tr("Show only favourites"));
-  favouritesShown_->setAccessibleName(favouritesShown_->toolTip());
-  connect(favouritesShown_, &QToolButton::toggled, &filter_, &PresetFilter::SetFavouritesOnly);
+  favoritesShown_ = new QToolButton;
+  favoritesShown_->setObjectName(QStringLiteral("favoritesShown"));
+  favoritesShown_->setText(QStringLiteral("\u2605"));
+  favoritesShown_->setCheckable(true);
+  favoritesShown_->setFocusPolicy(Qt::StrongFocus);
+  favoritesShown_->setToolTip(tr("Show only favorites"));
+  favoritesShown_->setAccessibleName(favoritesShown_->toolTip());
+  connect(favoritesShown_, &QToolButton::toggled, &filter_, &PresetFilter::SetFavoritesOnly);
   row->addWidget(search_, 1);
-  row->addWidget(favouritesShown_);
+  row->addWidget(favoritesShown_);
   return row;
 }
 
@@ -157,7 +157,7 @@ QWidget* PresetPanel::MakeSwitching() {
   interval_ = new QDoubleSpinBox;
   smooth_ = new QDoubleSpinBox;
   random_ = new QCheckBox(tr("Random or&der"));
-  favouritesOnly_ = new QCheckBox(tr("Fa&vourites only"));
+  favoritesOnly_ = new QCheckBox(tr("Fa&vourites only"));
   const struct {
     QWidget* widget;
     const char* name;
@@ -168,7 +168,7 @@ QWidget* PresetPanel::MakeSwitching() {
       {interval_, "interval", tr("Seconds between preset changes")},
       {smooth_, "smooth", tr("Duration of a smooth change in seconds")},
       {random_, "randomOrder", tr("Random order")},
-      {favouritesOnly_, "favouritesOnly", tr("Use only favourites")},
+      {favoritesOnly_, "favoritesOnly", tr("Use only favorites")},
   };
   for (const auto& [widget, name, label] : named) {
     widget->setObjectName(QLatin1String(name));
@@ -189,23 +189,23 @@ QWidget* PresetPanel::MakeSwitching() {
   grid->addWidget(smoothLabel, 2, 0);
   grid->addWidget(smooth_, 2, 1);
   grid->addWidget(random_, 3, 0);
-  grid->addWidget(favouritesOnly_, 3, 1);
+  grid->addWidget(favoritesOnly_, 3, 1);
   const Switching& now = chooser_.Preferences();
   interval_->setValue(now.interval);
   smooth_->setValue(now.smooth);
   random_->setChecked(now.random);
-  favouritesOnly_->setChecked(now.favouritesOnly);
+  favoritesOnly_->setChecked(now.favoritesOnly);
   connect(byItself_, &QRadioButton::toggled, this, [this](bool on) { chooser_.SetSwitching(on); });
   for (QDoubleSpinBox* spin : {interval_, smooth_})
     connect(spin, &QDoubleSpinBox::valueChanged, this, &PresetPanel::ReadSwitching);
-  for (QCheckBox* box : {random_, favouritesOnly_})
+  for (QCheckBox* box : {random_, favoritesOnly_})
     connect(box, &QCheckBox::toggled, this, &PresetPanel::ReadSwitching);
   return group;
 }
 
 void PresetPanel::ReadSwitching() {
   chooser_.SetPreferences(
-      {interval_->value(), smooth_->value(), favouritesOnly_->isChecked(), random_->isChecked()});
+      {interval_->value(), smooth_->value(), favoritesOnly_->isChecked(), random_->isChecked()});
 }
 
 void PresetPanel::UpdateSwitching() {
@@ -249,17 +249,17 @@ void PresetPanel::Replace() {
   });
 }
 
-void PresetPanel::Favourite() {
+void PresetPanel::Favorite() {
   const QModelIndex index = list_->currentIndex();
-  filter_.setData(index, !index.data(PresetModel::kFavourite).toBool(), PresetModel::kFavourite);
+  filter_.setData(index, !index.data(PresetModel::kFavorite).toBool(), PresetModel::kFavorite);
 }
 
 void PresetPanel::Delete() {
   const QModelIndex index = list_->currentIndex();
   const QString name = index.data().toString();
-  const QModelIndex neighbour =
+  const QModelIndex neighbor =
       filter_.index(index.row() + 1 < filter_.rowCount() ? index.row() + 1 : index.row() - 1, 0);
-  const std::string next = neighbour.data(PresetModel::kId).toString().toStdString();
+  const std::string next = neighbor.data(PresetModel::kId).toString().toStdString();
   if (!chooser_.Alter(
           [this](PresetLibrary& library) { return library.Remove(list_->CurrentId()); }))
     return;

@@ -49,7 +49,7 @@ private:
   void Rename();
   void Duplicate();
   void Replace();
-  void Favourite();
+  void Favorite();
   void Delete();
   void Undo();
   void RestoreFactory();
@@ -68,7 +68,7 @@ private:
   PresetFilter filter_;
   PresetList* list_;
   QLineEdit* search_ = nullptr;
-  QToolButton* favouritesShown_ = nullptr;
+  QToolButton* favoritesShown_ = nullptr;
   QMenu* menu_ = nullptr;
   std::vector<QAction*> actions_; ///< as in `kActions`
   QAction* undo_ = nullptr;
@@ -77,7 +77,7 @@ private:
   QDoubleSpinBox* interval_ = nullptr;
   QDoubleSpinBox* smooth_ = nullptr;
   QCheckBox* random_ = nullptr;
-  QCheckBox* favouritesOnly_ = nullptr;
+  QCheckBox* favoritesOnly_ = nullptr;
 };
 
 } // namespace halvenor

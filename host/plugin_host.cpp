@@ -139,7 +139,7 @@ Status PluginHost::TakeFullScreenOptions(HostMessage::Body& body) {
 // --- Messages ---------------------------------------------------------------------------------
 
 Status PluginHost::Send(FourCharCode code, VisualMessage& record) {
-  if (!initialised_) return status::kNotHandled;
+  if (!initialized_) return status::kNotHandled;
   return handler_(code, &record, refCon_);
 }
 
@@ -149,23 +149,23 @@ Status PluginHost::SendBare(FourCharCode code) {
 }
 
 Status PluginHost::Init() {
-  if (initialised_) return status::kOk;
+  if (initialized_) return status::kOk;
   VisualMessage record{};
   record.init.majorVersion = kHostMessageMajorVersion;
   record.init.minorVersion = kHostMessageMinorVersion;
   record.init.appCookie = this;
   record.init.appProc = &OnRequest;
   const Status result = handler_(message::kInit, &record, refCon_);
-  initialised_ = result == status::kOk || record.init.refCon != nullptr;
-  if (initialised_) refCon_ = record.init.refCon;
+  initialized_ = result == status::kOk || record.init.refCon != nullptr;
+  if (initialized_) refCon_ = record.init.refCon;
   return result;
 }
 
 Status PluginHost::Cleanup() {
-  if (!initialised_) return status::kOk;
+  if (!initialized_) return status::kOk;
   if (shown_) Hide();
   const Status result = SendBare(message::kCleanup);
-  initialised_ = false;
+  initialized_ = false;
   refCon_ = nullptr;
   return result;
 }

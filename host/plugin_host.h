@@ -60,7 +60,7 @@ public:
   static std::unique_ptr<PluginHost> Create(const PluginModule& module, HostServices& services,
                                             std::string& error);
 
-  /// Hides and cleans up what is still shown and initialised.
+  /// Hides and cleans up what is still shown and initialized.
   ~PluginHost();
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
@@ -68,9 +68,9 @@ public:
   [[nodiscard]] const PluginRegistration& Registration() const { return registration_; }
 
   /// Begins an activation. A status other than 0 is a warning if the plug-in is set up anyway
-  /// (`IsInitialised`); otherwise there is no activation.
+  /// (`IsInitialized`); otherwise there is no activation.
   Status Init();
-  [[nodiscard]] bool IsInitialised() const { return initialised_; }
+  [[nodiscard]] bool IsInitialized() const { return initialized_; }
   /// Ends the activation, hiding first when shown. Does nothing without one.
   Status Cleanup();
 
@@ -119,7 +119,7 @@ private:
   PluginRegistration registration_;
   VisualHandlerProc handler_ = nullptr;
   void* refCon_ = nullptr;
-  bool initialised_ = false;
+  bool initialized_ = false;
   bool shown_ = false;
 };
 

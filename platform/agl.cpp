@@ -62,7 +62,7 @@ AGLContext aglCreateContext(AGLPixelFormat format, AGLContext share) {
 
 GLboolean aglDestroyContext(AGLContext context) {
   if (context == nullptr) return Report(AGL_BAD_CONTEXT);
-  if (const GLenum error = context->Unrealise(); error != AGL_NO_ERROR) return Report(error);
+  if (const GLenum error = context->Unrealize(); error != AGL_NO_ERROR) return Report(error);
   delete context;
   return GL_TRUE;
 }

@@ -3,7 +3,7 @@
 // Errors: a call that fails leaves an error pending for its thread and returns false or null where
 // it has a result. The first pending error stays until `aglGetError` reads it.
 //
-// Threads: a context is current on one thread at a time. The caller serialises all use of a
+// Threads: a context is current on one thread at a time. The caller serializes all use of a
 // context, and lets go of it (`aglSetCurrentContext(NULL)`) before another thread uses it.
 #pragma once
 
@@ -58,7 +58,7 @@ HALVENOR_PLATFORM AGLPixelFormat aglChoosePixelFormat(const void* devices, GLint
                                                       const GLint* attributes);
 HALVENOR_PLATFORM void aglDestroyPixelFormat(AGLPixelFormat format);
 
-/// A context for `format`; nothing of it is realised before it is first made current. `share` must
+/// A context for `format`; nothing of it is realized before it is first made current. `share` must
 /// be null. The caller owns it and releases it with `aglDestroyContext`, on the thread where it is
 /// current or on any thread when it is current nowhere; null is an error without effect.
 HALVENOR_PLATFORM AGLContext aglCreateContext(AGLPixelFormat format, AGLContext share);
@@ -76,7 +76,7 @@ HALVENOR_PLATFORM GLboolean aglEnable(AGLContext context, GLenum parameter);
 /// changes or the context is destroyed.
 HALVENOR_PLATFORM GLboolean aglSetDrawable(AGLContext context, GrafPtr port);
 
-/// Makes `context` current on this thread, realising it when needed. A context of somebody else
+/// Makes `context` current on this thread, realizing it when needed. A context of somebody else
 /// that was current here is remembered, and put back by `aglSetCurrentContext(NULL)`. With nothing
 /// of ours current, null does nothing.
 HALVENOR_PLATFORM GLboolean aglSetCurrentContext(AGLContext context);
@@ -90,7 +90,7 @@ HALVENOR_PLATFORM GLboolean aglUpdateContext(AGLContext context);
 /// for the display's refresh nor for a hidden window. The context must be current.
 HALVENOR_PLATFORM void aglSwapBuffers(AGLContext context);
 
-/// Makes an offscreen colour buffer of `internalFormat` (GL_RGBA) for textures of `target`
+/// Makes an offscreen color buffer of `internalFormat` (GL_RGBA) for textures of `target`
 /// (GL_TEXTURE_2D) with levels 0 to `maxLevel` (0), on the context that is current. False, with
 /// null in `pbuffer`, when the driver cannot draw into such a buffer. The caller owns it and
 /// releases it with `aglDestroyPBuffer` while the same context is current; null is an error without

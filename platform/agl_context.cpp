@@ -33,7 +33,7 @@ void HalvenorContext::LetGo() {
 
 GLenum HalvenorContext::MakeCurrentAnywhere() {
   if (Current() == this) return AGL_NO_ERROR;
-  if (backend_ == nullptr) return Realise();
+  if (backend_ == nullptr) return Realize();
   // A driver's contexts follow each other without what the first displaced being put back.
   const HalvenorContext* const before = Current();
   if (before != nullptr && !(before->backend_->IsDriver() && backend_->IsDriver())) LetGo();
@@ -42,7 +42,7 @@ GLenum HalvenorContext::MakeCurrentAnywhere() {
   return AGL_NO_ERROR;
 }
 
-GLenum HalvenorContext::Realise() {
+GLenum HalvenorContext::Realize() {
   const std::shared_ptr<WindowSystem> system = WindowSystem::For(port_);
   if (system == nullptr) return AGL_NO_DISPLAY;
   if (Current() != nullptr) LetGo();
@@ -54,7 +54,7 @@ GLenum HalvenorContext::Realise() {
   return AGL_NO_ERROR;
 }
 
-GLenum HalvenorContext::Unrealise() {
+GLenum HalvenorContext::Unrealize() {
   if (backend_ != nullptr) {
     HalvenorContext* const before = Current();
     if (const GLenum error = MakeCurrentAnywhere(); error != AGL_NO_ERROR) return error;

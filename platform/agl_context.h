@@ -42,13 +42,13 @@ public:
   GLenum Swap();
   /// Releases everything on the GL's side, which has to come before its end. Fails without effect
   /// when it is current on another thread.
-  GLenum Unrealise();
+  GLenum Unrealize();
 
   /// Who draws; only while the context is current.
   [[nodiscard]] halvenor::agl::Backend& Drawer() const { return *backend_; }
 
 private:
-  GLenum Realise();
+  GLenum Realize();
   GLenum MakeCurrentAnywhere();
   GLenum UsePort();
   GLenum UseBuffer();

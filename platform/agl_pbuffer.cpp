@@ -36,7 +36,7 @@ GLboolean aglCreatePBuffer(GLint width, GLint height, GLenum target, GLenum inte
   if (width < 1 || height < 1 || maxLevel != 0) return Report(AGL_BAD_VALUE);
   const GLint most = context->Drawer().MostTextureSize();
   if (width > most || height > most) return Report(AGL_NO_BUFFER);
-  // A driver's first colour buffer is replaced by the texture; it shows that the driver can do it.
+  // A driver's first color buffer is replaced by the texture; it shows that the driver can do it.
   std::unique_ptr<Buffer> made = context->Drawer().MakeBuffer({width, height}, false);
   context->Rebind();
   if (made == nullptr) return Report(AGL_NO_BUFFER);

@@ -59,7 +59,7 @@ private:
   /// The surfaceless platform, or the first graphics device that works.
   bool OpenEgl(EglDisplay& display) override {
     if (HasEglExtension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless") &&
-        display.Initialise(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY))
+        display.Initialize(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY))
       return true;
     if (OpenDevice(display)) return true;
     Log("no EGL platform for drawing without a window");
@@ -76,7 +76,7 @@ private:
         !queryDevices(static_cast<EGLint>(devices.size()), devices.data(), &count))
       return false;
     for (EGLint i = 0; i < count; ++i)
-      if (display.Initialise(EGL_PLATFORM_DEVICE_EXT, devices[static_cast<std::size_t>(i)]))
+      if (display.Initialize(EGL_PLATFORM_DEVICE_EXT, devices[static_cast<std::size_t>(i)]))
         return true;
     return false;
   }

@@ -41,9 +41,9 @@ public:
   virtual std::unique_ptr<Presenter> MakeEglPresenter(const HalvenorPort& port) = 0;
 
 protected:
-  /// Initialises `display` as this window system's.
+  /// Initializes `display` as this window system's.
   virtual bool OpenEgl(EglDisplay& display) = 0;
-  /// What `Egl` opened; not initialised when it did not.
+  /// What `Egl` opened; not initialized when it did not.
   EglDisplay egl_;
 
 private:

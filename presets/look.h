@@ -13,7 +13,7 @@ bool SameLook(const Settings& one, const Settings& other);
 void CopyLook(const Settings& from, Settings& to);
 
 /// The look between `from` (`part` 0) and `to` (`part` 1); what is no part of the look is `from`'s.
-/// Numbers and colours go in a straight line, an angle the shorter way round, and what cannot lie
+/// Numbers and colors go in a straight line, an angle the shorter way round, and what cannot lie
 /// between two values changes half-way.
 Settings BlendLooks(const Settings& from, const Settings& to, double part);
 

@@ -2,7 +2,7 @@
 
 #include "files/printable.h"
 #include "presets/look.h"
-#include "presets/preset_catalogue.h"
+#include "presets/preset_catalog.h"
 #include "presets/preset_names.h"
 #include "presets/preset_store.h"
 
@@ -58,7 +58,7 @@ struct PresetLibrary::Impl {
 
   PresetStore store;
   const fs::path factoryFolder;
-  PresetCatalogue catalogue;
+  PresetCatalog catalog;
   std::deque<PresetChange> done;
 };
 
@@ -68,11 +68,11 @@ std::optional<std::string> PresetLibrary::Impl::BytesOnDisk(const std::string& i
 }
 
 Problem PresetLibrary::Impl::Make(PresetChange change, std::string* newId) {
-  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
+  if (Problem problem = store.Commit(change, catalog.FactoryIds())) return problem;
   if (newId && !change.edits.empty()) *newId = change.edits.front().id;
   done.push_back(std::move(change));
   if (done.size() > kMostUndone) done.pop_front();
-  catalogue.Show(store);
+  catalog.Show(store);
   return std::nullopt;
 }
 
@@ -80,7 +80,7 @@ Problem PresetLibrary::Impl::Undo() {
   if (done.empty()) return "There is nothing to undo.";
   PresetChange change = Reversed(done.back());
   change.moved.clear();
-  if (Problem problem = store.Commit(change, catalogue.FactoryIds())) return problem;
+  if (Problem problem = store.Commit(change, catalog.FactoryIds())) return problem;
   done.pop_back();
   const auto follow = [&](std::string& id) {
     if (const auto moved = change.moved.find(id); moved != change.moved.end()) id = moved->second;
@@ -91,18 +91,18 @@ Problem PresetLibrary::Impl::Undo() {
     for (PresetMark& mark : earlier.marks)
       follow(mark.id);
   }
-  catalogue.Show(store);
+  catalog.Show(store);
   return std::nullopt;
 }
 
 PresetEdit PresetLibrary::Impl::NewPreset(const std::string& name, const Settings& look) const {
-  return {FreshIdFor(name, catalogue.FactoryIds()), std::nullopt, BytesOf(name, look)};
+  return {FreshIdFor(name, catalog.FactoryIds()), std::nullopt, BytesOf(name, look)};
 }
 
 Problem PresetLibrary::Impl::CheckName(std::string& name, std::string_view except) const {
   name = TidyPresetName(name);
   if (name.empty()) return "A preset needs a name.";
-  for (const Preset& preset : catalogue.Presets())
+  for (const Preset& preset : catalog.Presets())
     if (preset.id != except && Folded(preset.name) == Folded(name))
       return "There is already a preset called \"" + preset.name + "\".";
   return std::nullopt;
@@ -117,14 +117,14 @@ Problem PresetLibrary::Impl::Rewrite(const Preset& preset, std::string text,
 
 void PresetLibrary::Impl::RestoreOne(const std::string& id, const StoredPreset& changed,
                                      PresetChange& change, std::set<std::string>& taken) const {
-  const NamedLook& original = catalogue.Factory().at(id).preset;
+  const NamedLook& original = catalog.Factory().at(id).preset;
   if (!SamePreset(original, changed.preset)) {
     std::string name = changed.preset.name;
     if (Folded(name) == Folded(original.name)) name = FreshNameFor(name, taken);
     taken.insert(Folded(name));
     change.edits.push_back(NewPreset(name, changed.preset.look));
-    if (store.IsMarked(Kind::Favourite, id))
-      change.marks.push_back({Kind::Favourite, change.edits.back().id, true});
+    if (store.IsMarked(Kind::Favorite, id))
+      change.marks.push_back({Kind::Favorite, change.edits.back().id, true});
   }
   change.edits.push_back({id, changed.bytes, std::nullopt});
 }
@@ -152,29 +152,29 @@ PresetLibrary::PresetLibrary(Folders folders) : impl_(std::make_unique<Impl>(std
 PresetLibrary::~PresetLibrary() = default;
 
 std::vector<std::string> PresetLibrary::Load() {
-  impl_->catalogue.LoadFactory(impl_->factoryFolder);
+  impl_->catalog.LoadFactory(impl_->factoryFolder);
   std::vector<std::string> lines = impl_->store.Load();
-  for (const auto& [id, line] : impl_->catalogue.Unreadable())
+  for (const auto& [id, line] : impl_->catalog.Unreadable())
     lines.push_back(line);
-  impl_->catalogue.Show(impl_->store);
+  impl_->catalog.Show(impl_->store);
   return lines;
 }
 
 std::span<const Preset> PresetLibrary::Presets() const {
-  return impl_->catalogue.Presets();
+  return impl_->catalog.Presets();
 }
 
 const Preset* PresetLibrary::Find(std::string_view id) const {
-  return impl_->catalogue.Find(id);
+  return impl_->catalog.Find(id);
 }
 
 const Preset* PresetLibrary::FindByName(std::string_view name) const {
-  return impl_->catalogue.FindByName(name);
+  return impl_->catalog.FindByName(name);
 }
 
 const std::string* PresetLibrary::Unreadable(std::string_view name) const {
   const std::map<std::string, std::string>* const all[] = {&impl_->store.Unreadable(),
-                                                           &impl_->catalogue.Unreadable()};
+                                                           &impl_->catalog.Unreadable()};
   for (const std::string& id : {Folded(name), FreshIdFor(name, {})})
     for (const auto* const lines : all)
       if (const auto line = lines->find(id); line != lines->end()) return &line->second;
@@ -182,7 +182,7 @@ const std::string* PresetLibrary::Unreadable(std::string_view name) const {
 }
 
 std::string PresetLibrary::FreshName(std::string_view wish) const {
-  return FreshNameFor(wish, impl_->catalogue.Names());
+  return FreshNameFor(wish, impl_->catalog.Names());
 }
 
 Problem PresetLibrary::Add(std::string_view name, const Settings& look, std::string* id) {
@@ -220,31 +220,31 @@ Problem PresetLibrary::Remove(std::string_view id) {
   PresetChange change{Quoted("Delete", preset->name), {}, {}, {}};
   if (const auto bytes = impl_->BytesOnDisk(preset->id))
     change.edits.push_back({preset->id, bytes, std::nullopt});
-  if (impl_->catalogue.Factory().contains(preset->id))
+  if (impl_->catalog.Factory().contains(preset->id))
     change.marks.push_back({Kind::Hidden, preset->id, true});
-  if (preset->favourite) change.marks.push_back({Kind::Favourite, preset->id, false});
+  if (preset->favorite) change.marks.push_back({Kind::Favorite, preset->id, false});
   return impl_->Make(std::move(change));
 }
 
-Problem PresetLibrary::SetFavourite(std::string_view id, bool favourite) {
+Problem PresetLibrary::SetFavorite(std::string_view id, bool favorite) {
   const Preset* const preset = Find(id);
   if (!preset) return NoSuchPreset(id);
-  if (preset->favourite == favourite) return std::nullopt;
-  return impl_->Make({Quoted(favourite ? "Mark" : "Unmark", preset->name),
+  if (preset->favorite == favorite) return std::nullopt;
+  return impl_->Make({Quoted(favorite ? "Mark" : "Unmark", preset->name),
                       {},
-                      {{Kind::Favourite, preset->id, favourite}},
+                      {{Kind::Favorite, preset->id, favorite}},
                       {}});
 }
 
 Problem PresetLibrary::RestoreFactory() {
   PresetChange change{"Restore Factory Presets", {}, {}, {}};
-  std::set<std::string> taken = impl_->catalogue.Names();
-  for (const auto& [id, original] : impl_->catalogue.Factory()) {
+  std::set<std::string> taken = impl_->catalog.Names();
+  for (const auto& [id, original] : impl_->catalog.Factory()) {
     taken.insert(Folded(original.preset.name));
     if (impl_->store.IsMarked(Kind::Hidden, id)) change.marks.push_back({Kind::Hidden, id, false});
   }
   for (const auto& [id, own] : impl_->store.Files())
-    if (impl_->catalogue.Factory().contains(id)) impl_->RestoreOne(id, own, change, taken);
+    if (impl_->catalog.Factory().contains(id)) impl_->RestoreOne(id, own, change, taken);
   if (change.edits.empty() && change.marks.empty()) return std::nullopt;
   return impl_->Make(std::move(change));
 }
@@ -262,7 +262,7 @@ Problem PresetLibrary::Import(const fs::path& file, std::vector<std::string>* ad
   const auto read = ReadPresetFile(file, problem);
   if (!read) return problem;
   PresetChange change{Quoted("Import", Printable(file.filename().string())), {}, {}, {}};
-  std::set<std::string> taken = impl_->catalogue.Names();
+  std::set<std::string> taken = impl_->catalog.Names();
   for (const NamedLook& preset : *read) {
     const std::string name = FreshNameFor(preset.name, taken);
     taken.insert(Folded(name));

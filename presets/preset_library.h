@@ -19,7 +19,7 @@ struct Preset {
   std::string id;
   std::string name; ///< UTF-8, unique in a library but for case
   Settings look;    ///< of which only the look counts
-  bool favourite = false;
+  bool favorite = false;
   enum class Origin { Factory, ChangedFactory, Own } origin = Origin::Own;
   /// The picture that came with a factory preset of the same look; else empty.
   std::filesystem::path picture;
@@ -73,7 +73,7 @@ public:
   /// Gives the preset another look.
   Problem Replace(std::string_view id, const Settings& look);
   Problem Remove(std::string_view id);
-  Problem SetFavourite(std::string_view id, bool favourite);
+  Problem SetFavorite(std::string_view id, bool favorite);
   /// Factory presets that were changed, renamed or removed are as they came; own ones stay, and so
   /// do the changed ones under names of their own.
   Problem RestoreFactory();

@@ -13,7 +13,7 @@ struct MarkKey {
   PresetMark::Kind kind;
   const char* key;
 };
-constexpr MarkKey kMarkKeys[] = {{PresetMark::Kind::Favourite, "favourites"},
+constexpr MarkKey kMarkKeys[] = {{PresetMark::Kind::Favorite, "favourites"},
                                  {PresetMark::Kind::Hidden, "removed"}};
 
 } // namespace

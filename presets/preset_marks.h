@@ -10,7 +10,7 @@
 namespace halvenor {
 
 struct PresetMark {
-  enum class Kind { Favourite, Hidden } kind; ///< hidden: a factory preset that was removed
+  enum class Kind { Favorite, Hidden } kind; ///< hidden: a factory preset that was removed
   std::string id;
   bool on;
 };

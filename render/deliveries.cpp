@@ -32,21 +32,21 @@ std::unique_ptr<AudioReader> OpenSound(const std::string& input, double start,
   return AudioReader::Open(input,
                            {.startSeconds = start,
                             .durationSeconds = duration,
-                            .cancelled = [] { return StopSignals::HaveArrived(); }},
+                            .canceled = [] { return StopSignals::HaveArrived(); }},
                            error);
 }
 
 // The records of INPUT's own sound.
-class AnalysedDeliveries final : public Deliveries {
+class AnalyzedDeliveries final : public Deliveries {
 public:
-  AnalysedDeliveries(std::unique_ptr<AudioReader> reader, std::uint64_t limit)
+  AnalyzedDeliveries(std::unique_ptr<AudioReader> reader, std::uint64_t limit)
       : reader_(std::move(reader)), limit_(limit) {}
 
   [[nodiscard]] std::optional<double> Length() const override { return reader_->Length(); }
   [[nodiscard]] std::string Error() const override { return reader_->Error(); }
 
   const Delivery* Next() override {
-    const AnalysedSound* const next = reader_->Next();
+    const AnalyzedSound* const next = reader_->Next();
     if (!next) return nullptr;
     const std::uint64_t frames = next->sound.size() / 2;
     delivery_.record = next->record;
@@ -129,7 +129,7 @@ const Delivery* StoredDeliveries::Next() {
   delivery_.end = std::min(begin + kNanosecondsPerRecord, end_);
   delivery_.sound = {};
   if (sound_ && !soundEnded_) {
-    if (const AnalysedSound* const next = sound_->Next()) {
+    if (const AnalyzedSound* const next = sound_->Next()) {
       delivery_.sound = next->sound;
     } else {
       soundEnded_ = true;
@@ -157,7 +157,7 @@ std::unique_ptr<Deliveries> Deliveries::Open(const Options& options, std::string
     deliveries = StoredDeliveries::Open(options, error);
   } else if (auto reader =
                  OpenSound(options.input, options.startSeconds, options.durationSeconds, error)) {
-    deliveries = std::make_unique<AnalysedDeliveries>(std::move(reader), Limit(options));
+    deliveries = std::make_unique<AnalyzedDeliveries>(std::move(reader), Limit(options));
   }
   if (deliveries) deliveries->input_ = options.input;
   return deliveries;

@@ -17,7 +17,7 @@ namespace halvenor::render {
 struct Delivery {
   RenderVisualData record;
   std::uint64_t end; ///< nanoseconds; frames before this time are drawn before the next delivery
-  std::span<const float> sound; ///< see `AnalysedSound`; empty when there is none (any more)
+  std::span<const float> sound; ///< see `AnalyzedSound`; empty when there is none (any more)
 };
 
 /// Reads as it goes: memory does not grow with the length. One thread.
@@ -25,7 +25,7 @@ class Deliveries {
 public:
   virtual ~Deliveries() = default;
 
-  /// From the analysed sound of INPUT, or from a file of records. On failure returns null and
+  /// From the analyzed sound of INPUT, or from a file of records. On failure returns null and
   /// leaves one line in `error`.
   static std::unique_ptr<Deliveries> Open(const Options& options, std::string& error);
 

@@ -72,7 +72,7 @@ bool OffscreenShow::Start(const Options& options, std::string& error) {
   LoadSettings(options);
 
   clock::UseStepped(kOrigin - TimeOfFrame(1, options.frameRate));
-  if (const Status result = plugin_->Init(); !plugin_->IsInitialised()) {
+  if (const Status result = plugin_->Init(); !plugin_->IsInitialized()) {
     error = "the plug-in cannot start (status " + std::to_string(result) + ")" + Because();
     return false;
   }

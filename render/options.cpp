@@ -212,7 +212,7 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
       ->type_name("T:CHARS")
       ->allow_extra_args(false);
   app.add_option("--records", options.recordsFile,
-                 "Audio records of 2050 bytes, one per 50 ms, used instead of analysing INPUT, "
+                 "Audio records of 2050 bytes, one per 50 ms, used instead of analyzing INPUT, "
                  "which then gives only the sound and the titles and may be left out")
       ->type_name("FILE");
   app.add_option("--dump-records", options.dumpFile, "Write the audio records that were used")

@@ -114,7 +114,7 @@ std::string Remarks(const Preset& preset) {
   std::string remarks;
   if (preset.origin == Preset::Origin::Own) remarks = "own";
   if (preset.origin == Preset::Origin::ChangedFactory) remarks = "changed";
-  if (preset.favourite) remarks += remarks.empty() ? "favorite" : ", favorite";
+  if (preset.favorite) remarks += remarks.empty() ? "favorite" : ", favorite";
   return remarks.empty() ? "" : "\t" + remarks;
 }
 

@@ -1,5 +1,5 @@
 // Video files with sound, encoded and multiplexed by GStreamer.
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/gst_media.h"
 #include "files/pending_file.h"
 #include "files/released_by.h"

@@ -1,6 +1,6 @@
 !!ARBfp1.0
-# The glow over the picture: the blurred colour, weakened the more the darker it is, so that lines
-# glow and a faint haze does not grey the black. Black stays exactly black.
+# The glow over the picture: the blurred color, weakened the more the darker it is, so that lines
+# glow and a faint haze does not gray the black. Black stays exactly black.
 PARAM curve = { 0.3, 0.7, 0.0, 0.0 };
 TEMP glow, share;
 TEX glow, fragment.texcoord[0], texture[0], 2D;

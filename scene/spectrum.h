@@ -40,7 +40,7 @@ public:
   [[nodiscard]] float screenToFrequency(float position) const;
 
   /// Magnitude of `row` (512 bytes) at a fractional bin `position`: a cubic Bezier between the
-  /// neighbouring bins, whose slopes follow the bins beyond. Indices are clamped to 0..511.
+  /// neighboring bins, whose slopes follow the bins beyond. Indices are clamped to 0..511.
   static float MagnitudeAtPoint(float position, const std::uint8_t* row);
 
   /// The vertices of this frame: channel 0 from 0, channel 1 from 512.

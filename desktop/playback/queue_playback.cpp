@@ -1,6 +1,6 @@
 #include "desktop/playback/queue_playback.h"
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/playlist.h"
 #include "desktop/media_names.h"
 #include "desktop/playback/playlist_fetch.h"

@@ -1,6 +1,6 @@
 #include "desktop/playback/sound_settings.h"
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 
 #include <QtCore/QSettings>
 #include <QtCore/QSysInfo>

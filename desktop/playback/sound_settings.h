@@ -22,7 +22,7 @@ public:
   [[nodiscard]] bool IsMuted() const;
   void SetMuted(bool muted);
   /// How much later than the sound server reports the sound is heard, milliseconds up to
-  /// `kMostOffset` (audio/analyser.h) either way; 0 at first. For each output device.
+  /// `kMostOffset` (audio/analyzer.h) either way; 0 at first. For each output device.
   [[nodiscard]] int Delay(const SoundOutput& output) const;
   void SetDelay(const SoundOutput& output, int milliseconds);
   /// `SoundSource::name`, for each machine; empty: follow the default output.

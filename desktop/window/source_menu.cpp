@@ -1,6 +1,6 @@
 #include "desktop/window/source_menu.h"
 
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 
 #include <QtWidgets/QInputDialog>
 

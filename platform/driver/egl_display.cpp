@@ -30,7 +30,7 @@ bool HasEglExtension(EGLDisplay display, const char* name) {
   return HasExtension(eglQueryString(display, EGL_EXTENSIONS), name);
 }
 
-bool EglDisplay::Initialise(EGLenum platform, void* native) {
+bool EglDisplay::Initialize(EGLenum platform, void* native) {
   handle_ = eglGetPlatformDisplay(platform, native, nullptr);
   if (handle_ == EGL_NO_DISPLAY) {
     LogEgl("eglGetPlatformDisplay");

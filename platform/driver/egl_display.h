@@ -10,14 +10,14 @@ namespace halvenor::agl {
 class EglDisplay {
 public:
   /// Takes over the platform display of `native`; false, with the reason logged, when it cannot be
-  /// initialised or lacks what this layer needs. After `LoadDriver`.
-  bool Initialise(EGLenum platform, void* native);
+  /// initialized or lacks what this layer needs. After `LoadDriver`.
+  bool Initialize(EGLenum platform, void* native);
   void Terminate();
 
   [[nodiscard]] EGLDisplay Handle() const { return handle_; }
   /// Whether it draws on the processor, where finished frames are in memory anyway.
   [[nodiscard]] bool IsSoftware() const { return software_; }
-  /// Whether it was `Initialise` that brought the display to life, not somebody else before.
+  /// Whether it was `Initialize` that brought the display to life, not somebody else before.
   [[nodiscard]] bool IsFirstUser() const { return firstUser_; }
 
 private:

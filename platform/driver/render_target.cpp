@@ -13,7 +13,7 @@ namespace halvenor::agl {
 namespace {
 
 // What is drawn here is read back, faded and drawn again, many times over. In 8 bits that would
-// come to rest at a grey that never fades; the alpha of these pictures needs no more than two
+// come to rest at a gray that never fades; the alpha of these pictures needs no more than two
 // values.
 constexpr GLint kTextureFormats[] = {GL_RGB10_A2, GL_RGBA8};
 

@@ -7,7 +7,7 @@
 
 namespace halvenor::agl {
 
-/// Colour (8-bit RGBA) and, when wanted, 24-bit depth.
+/// Color (8-bit RGBA) and, when wanted, 24-bit depth.
 class RenderTarget final : public Buffer {
 public:
   /// A cleared target, bound for drawing and reading. Null when the driver cannot make it; then no
@@ -17,7 +17,7 @@ public:
 
   [[nodiscard]] GLuint Name() const { return frameBuffer_; }
 
-  /// The texture is of 10 bits a colour and 2 for alpha where the driver can draw into that, else
+  /// The texture is of 10 bits a color and 2 for alpha where the driver can draw into that, else
   /// of 8 each. Leaves the target bound.
   [[nodiscard]] GLenum ShowInBoundTexture() override;
   void Read(GLint x, GLint y, Size size, const Pixels& pixels) override;

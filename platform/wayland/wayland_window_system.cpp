@@ -57,7 +57,7 @@ public:
 
 private:
   bool OpenEgl(EglDisplay& display) override {
-    return display.Initialise(EGL_PLATFORM_WAYLAND_KHR, native_);
+    return display.Initialize(EGL_PLATFORM_WAYLAND_KHR, native_);
   }
 
   wl_display* native_;

@@ -51,7 +51,7 @@ public:
 
 private:
   bool OpenEgl(EglDisplay& display) override {
-    return display.Initialise(EGL_PLATFORM_X11_KHR, connection_->Get());
+    return display.Initialize(EGL_PLATFORM_X11_KHR, connection_->Get());
   }
 
   bool FindWindow(const HalvenorPort& port, XWindowAttributes& attributes) {

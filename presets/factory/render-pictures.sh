@@ -56,10 +56,10 @@ for preset in "${presets[@]}"; do
     --size 240x135 --fps 60 --start 41 --duration 3 --output "${preset%.preset}.png" "$tune"
 done
 
-labelled=()
+labeled=()
 for picture in "$here"/*.png; do
-  labelled+=(-label "$(sed -n 's/^name=//p' "${picture%.png}.preset")" "$picture")
+  labeled+=(-label "$(sed -n 's/^name=//p' "${picture%.png}.preset")" "$picture")
 done
-montage "${labelled[@]}" -background '#1c1c1e' -fill '#e8e8e8' -font DejaVu-Sans -pointsize 12 \
+montage "${labeled[@]}" -background '#1c1c1e' -fill '#e8e8e8' -font DejaVu-Sans -pointsize 12 \
   -geometry 176x99+5+4 -tile 4x miff:- |
   convert miff:- -strip +dither -posterize 64 -depth 8 "$here/../../docs/pictures/presets.png"

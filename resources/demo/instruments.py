@@ -169,7 +169,7 @@ def bell(note):
 
 
 def sweep(seconds):
-    """A sine from 40 Hz to 20 kHz, in less haste towards the top, softer where ears are keen."""
+    """A sine from 40 Hz to 20 kHz, in less haste toward the top, softer where ears are keen."""
     x = times(seconds) / seconds
     frequency = 40 * 500 ** (1 - (1 - x) ** 1.5)
     keen = np.exp(-((np.log2(frequency / 3200)) ** 2) / 3)

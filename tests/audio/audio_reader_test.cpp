@@ -36,10 +36,10 @@ Content Read(const std::string& medium, const AudioReaderOptions& options = {}) 
   Content content;
   const auto reader = AudioReader::Open(medium, options, content.error);
   if (!reader) return content;
-  while (const AnalysedSound* analysed = reader->Next()) {
-    EXPECT_EQ(analysed->index, content.records.size());
-    content.records.push_back(analysed->record);
-    content.sound.insert(content.sound.end(), analysed->sound.begin(), analysed->sound.end());
+  while (const AnalyzedSound* analyzed = reader->Next()) {
+    EXPECT_EQ(analyzed->index, content.records.size());
+    content.records.push_back(analyzed->record);
+    content.sound.insert(content.sound.end(), analyzed->sound.begin(), analyzed->sound.end());
   }
   content.tags = reader->Tags();
   content.length = reader->Length();
@@ -308,7 +308,7 @@ TEST(AudioReader, WaitingForAServerThatIsSilentCanBeGivenUp) {
   ASSERT_EQ(getsockname(server, generic, &size), 0);
   int asked = 0;
   AudioReaderOptions options;
-  options.cancelled = [&] { return ++asked > 3; };
+  options.canceled = [&] { return ++asked > 3; };
   const std::string medium =
       "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/stream.mp3";
   EXPECT_EQ(Read(medium, options).error, medium + ": given up");

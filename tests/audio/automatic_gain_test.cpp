@@ -1,4 +1,4 @@
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 #include "audio/automatic_gain.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ public:
       gain.Apply(piece);
       for (const float value : piece)
         highest = std::max(highest, std::fabs(value));
-      analyser.Push(piece);
+      analyzer.Push(piece);
     }
   }
 
@@ -38,9 +38,9 @@ private:
   }
   std::uint32_t random_ = 1;
   double brown_ = 0;
-  Analyser analyser{[this](const AnalysedSound& analysed) {
-                      gain.Observe(analysed.record);
-                      const auto* bins = analysed.record.spectrum[0];
+  Analyzer analyzer{[this](const AnalyzedSound& analyzed) {
+                      gain.Observe(analyzed.record);
+                      const auto* bins = analyzed.record.spectrum[0];
                       mean = std::accumulate(bins, bins + 256, 0.0) / 256;
                     },
                     AnalysisWindows::Past};
@@ -84,17 +84,17 @@ TEST(AutomaticGain, NoiseAndSilenceAreNotLifted) {
 
 TEST(AutomaticGain, SoundThatIsHeardAlreadyIsNotWaitedFor) {
   int records = 0;
-  Analyser analyser(
-      [&](const AnalysedSound& analysed) {
+  Analyzer analyzer(
+      [&](const AnalyzedSound& analyzed) {
         ++records;
-        EXPECT_GT(*std::ranges::max_element(analysed.record.spectrum[0]), 50)
+        EXPECT_GT(*std::ranges::max_element(analyzed.record.spectrum[0]), 50)
             << "a click at its end";
       },
       AnalysisWindows::Past);
   std::vector<float> sound(2 * kFramesPerRecord);
   for (std::size_t i = sound.size() - 600; i < sound.size(); ++i)
     sound[i] = i % 32 < 16 ? 0.5F : -0.5F;
-  analyser.Push(sound);
+  analyzer.Push(sound);
   EXPECT_EQ(records, 1);
 }
 

@@ -107,9 +107,9 @@ TEST_F(PresetsTest, AreKeptRenamedRemovedAndBroughtBack) {
 
   ClickOn("My Look 2", true);
   EXPECT_TRUE(Shows(look)) << "a click on the star has chosen the preset";
-  Click("favouritesShown");
+  Click("favoritesShown");
   EXPECT_TRUE(QTest::qWaitFor([&] { return List()->model()->rowCount() == 1; }));
-  Click("favouritesShown");
+  Click("favoritesShown");
   QTest::keyClick(Window(), Qt::Key_F, Qt::ControlModifier);
   QTest::keyClicks(QApplication::focusWidget(), "quiet SEA");
   EXPECT_TRUE(Has("Quiet Sea") && HasNo("My Look 2"));
@@ -150,7 +150,7 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
   Find<QDoubleSpinBox>("smooth")->setValue(0);
   Find<QDoubleSpinBox>("smooth")->setValue(0.5);
   ClickOn("aaa", true);
-  Find<QCheckBox>("favouritesOnly")->setChecked(true);
+  Find<QCheckBox>("favoritesOnly")->setChecked(true);
   ClickOn("aab", true);
 
   // Switching ends the autopilot, the autopilot ends switching; each with a word.

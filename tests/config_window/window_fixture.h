@@ -35,7 +35,7 @@ struct Host {
 
   static Settings Present();
   static void Change(const std::function<void(Settings&)>& change);
-  /// From the plug-in's point of view: with the lock held, initialised first.
+  /// From the plug-in's point of view: with the lock held, initialized first.
   static Status CallLocked(ConfigurationActionEntry entry);
 };
 

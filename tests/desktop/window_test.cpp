@@ -43,16 +43,16 @@ int DifferentPixels(const QImage& a, const QImage& b) {
   return count;
 }
 
-int PixelsOf(QRgb colour, const QImage& picture) {
+int PixelsOf(QRgb color, const QImage& picture) {
   int count = 0;
   for (int y = 0; y < picture.height(); ++y) {
     for (int x = 0; x < picture.width(); ++x)
-      count += picture.pixel(x, y) == colour;
+      count += picture.pixel(x, y) == color;
   }
   return count;
 }
 
-// Pixels of the colour that Qt's own style gives to menu bars.
+// Pixels of the color that Qt's own style gives to menu bars.
 int MenuBarPixels(const QImage& picture) {
   return PixelsOf(qRgb(239, 239, 239), picture);
 }

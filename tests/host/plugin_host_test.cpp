@@ -139,7 +139,7 @@ TEST_F(PluginHostTest, RefusesPluginsThatDoNotRegister) {
   HostMessage nameless = Registration(Plugin().handler);
   nameless.body.registration.name[0] = 0;
   const struct {
-    std::function<Status()> behaviour;
+    std::function<Status()> behavior;
     const char* error;
   } cases[] = {
       {[] { return status::kOk; }, "did not register"},
@@ -147,8 +147,8 @@ TEST_F(PluginHostTest, RefusesPluginsThatDoNotRegister) {
       {[&] { return registerAs(Registration(nullptr)); }, "did not register"},
       {[&] { return registerAs(nameless); }, "did not register"},
   };
-  for (const auto& [behaviour, error] : cases) {
-    register_ = behaviour;
+  for (const auto& [behavior, error] : cases) {
+    register_ = behavior;
     EXPECT_FALSE(MakeHost());
     EXPECT_THAT(error_, HasSubstr(error));
   }
@@ -267,7 +267,7 @@ TEST_F(PluginHostTest, AnActivationNeedsAPluginThatSetItselfUp) {
       return answer;
     };
     EXPECT_EQ(host->Init(), answer);
-    EXPECT_EQ(host->IsInitialised(), activated) << answer;
+    EXPECT_EQ(host->IsInitialized(), activated) << answer;
   }
 }
 

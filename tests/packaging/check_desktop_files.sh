@@ -16,7 +16,7 @@ fail() {
 
 desktop-file-validate "$tree/share/applications/$id.desktop" || fail "the menu entry is invalid"
 appstreamcli validate --no-net --no-color "$tree/share/metainfo/$id.metainfo.xml" ||
-  fail "the description for software centres is invalid"
+  fail "the description for software centers is invalid"
 icon=$tree/share/icons/hicolor/scalable/apps/$id.svg
 [[ $(file --brief --mime-type "$icon") == image/svg+xml ]] || fail "$icon is no SVG"
 

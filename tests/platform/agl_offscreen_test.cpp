@@ -45,7 +45,7 @@ TEST_F(OffscreenTest, FramesArriveUprightAndWholeAtEverySize) {
 }
 
 // Each placement has to blacken what the last one left.
-TEST_F(OffscreenTest, TheBufferRectangleIsHonouredAndCutAtTheEdge) {
+TEST_F(OffscreenTest, TheBufferRectangleIsHonoredAndCutAtTheEdge) {
   for (const auto& [x, y] : {std::pair{10, 5}, {0, 0}, {17, 6}, {3, 1}}) {
     Place(x, y, 16, 12);
     DrawAndExpect(x, 18 - y - 12, 16, 12);

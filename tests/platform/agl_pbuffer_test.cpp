@@ -1,6 +1,6 @@
 // Drawing into offscreen buffers, and from them, on the real EGL.
 #include "tests/platform/gl_fixture.h"
-#include "tests/stand_ins/agl_behaviour.h"
+#include "tests/stand_ins/agl_behavior.h"
 
 #include <GL/glext.h>
 
@@ -9,7 +9,7 @@
 namespace halvenor {
 namespace {
 
-using agl_behaviour::ShownPBuffer;
+using agl_behavior::ShownPBuffer;
 
 constexpr int kSide = 16;
 
@@ -68,7 +68,7 @@ TEST_F(PBufferTest, WhatIsDrawnIntoABufferIsReadUprightFromItsTexture) {
   glGetIntegerv(GL_ALPHA_BITS, &bits);
   EXPECT_EQ(bits, 2);
   glGetIntegerv(GL_BLUE_BITS, &bits);
-  EXPECT_EQ(bits, 10) << "feedback leaves a grey in fewer";
+  EXPECT_EQ(bits, 10) << "feedback leaves a gray in fewer";
   aglSwapBuffers(context.context);
   EXPECT_EQ(port.frames, 0);
   EXPECT_TRUE(aglSetDrawable(context.context, nullptr));

@@ -105,7 +105,7 @@ inline void FillPixels(GLint x, GLint y, GLsizei width, GLsizei height, const Pi
   glDisable(GL_SCISSOR_TEST);
 }
 
-/// Each quarter in a colour of its own: red and green above, blue and white below. Leaves drawing
+/// Each quarter in a color of its own: red and green above, blue and white below. Leaves drawing
 /// confined to the last, which must not confine what is shown.
 inline void DrawQuarters(GLsizei width, GLsizei height) {
   const GLsizei x = width / 2;

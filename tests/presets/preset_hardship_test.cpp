@@ -122,10 +122,10 @@ TEST(PresetHardship, AnUnreadableMarksFileIsSetAside) {
     EXPECT_THAT(library.Load(), testing::ElementsAre(HasSubstr("marks.ini")));
     ASSERT_EQ(library.Add("Other", DefaultSettings()), kDone);
     EXPECT_EQ(ReadText(folder / "marks.ini"), content) << "not before it is needed";
-    ASSERT_EQ(library.SetFavourite("mine", true), kDone);
+    ASSERT_EQ(library.SetFavorite("mine", true), kDone);
     EXPECT_EQ(ReadText(folder / "removed/marks.ini"), content);
     EXPECT_THAT(library.Load(), IsEmpty());
-    EXPECT_TRUE(library.Find("mine")->favourite);
+    EXPECT_TRUE(library.Find("mine")->favorite);
   }
 }
 
@@ -144,7 +144,7 @@ TEST(PresetHardship, AFullDiskAndAFolderThatForbidWritingChangeNothing) {
     const PresetLibrary::Problem problems[] = {
         library.Add("New", DefaultSettings()), library.Duplicate("mine"),
         library.Rename("mine", "Other"),       library.Replace("mine", LookWith(0.9F)),
-        library.SetFavourite("mine", true),    library.RestoreFactory(),
+        library.SetFavorite("mine", true),     library.RestoreFactory(),
         library.Import(folder / "import"),     library.Export(folder / "export", ids)};
     for (const auto& problem : problems)
       EXPECT_THAT(problem.value_or("done"), HasSubstr("File too large")) << &problem - problems;
@@ -187,7 +187,7 @@ void ChangeUntilKilled(const fs::path& own, int report) {
   for (int i = 0;; ++i) {
     const bool kept = !library.Add(library.FreshName("New"), LookWith(0.5F)) &&
                       !library.Replace("mine", LookWith(i % 2 ? 0.3F : 0.6F)) &&
-                      !library.SetFavourite("mine", i % 2) &&
+                      !library.SetFavorite("mine", i % 2) &&
                       !library.Rename("other", library.FreshName("Other")) &&
                       !library.Remove("gone") && !library.Undo();
     if (!kept || write(report, "+", 1) != 1) _exit(1);
@@ -267,7 +267,7 @@ TEST(PresetHardship, TwoProgramsAtOnceKeepEverything) {
     for (int i = 0; i < kEach; ++i) {
       std::string id;
       kept = kept && !library.Add(library.FreshName("Same"), LookWith(0.5F), &id) &&
-             !library.SetFavourite(id, true);
+             !library.SetFavorite(id, true);
     }
     _exit(kept ? 0 : 1);
   }
@@ -280,7 +280,7 @@ TEST(PresetHardship, TwoProgramsAtOnceKeepEverything) {
   EXPECT_THAT(library.Load(), IsEmpty());
   ASSERT_EQ(library.Presets().size(), std::size_t{2 * kEach});
   for (const Preset& preset : library.Presets())
-    EXPECT_TRUE(preset.favourite) << preset.id;
+    EXPECT_TRUE(preset.favorite) << preset.id;
 }
 
 } // namespace

@@ -80,8 +80,8 @@ std::vector<Operation> Operations(const fs::path& several) {
       {"Delete \"Mine\"", [](auto& l) { return l.Remove("mine"); }, {ember, wire}},
       {"Delete \"Lone Wire\"", [](auto& l) { return l.Remove("lone-wire"); }, {ember, mine}},
       {"Mark \"Lone Wire\"",
-       [](auto& l) { return l.SetFavourite("lone-wire", true); },
-       {ember, "lone-wire|Lone Wire|0.200000|favourite|factory", mine}},
+       [](auto& l) { return l.SetFavorite("lone-wire", true); },
+       {ember, "lone-wire|Lone Wire|0.200000|favorite|factory", mine}},
       {"Import \"several\"",
        [=](auto& l) { return l.Import(several); },
        {ember, wire, mine, "mine-2|MINE 2|0.700000", "mine-3|Mine 3|0.800000"}},
@@ -131,15 +131,15 @@ TEST_F(PresetLibraryTest, UndoReachesAHundredChangesBack) {
 }
 
 TEST_F(PresetLibraryTest, FactoryPresetsComeBackAndNothingIsLost) {
-  ASSERT_EQ(library_.SetFavourite("ember-tide", true), kDone);
+  ASSERT_EQ(library_.SetFavorite("ember-tide", true), kDone);
   ASSERT_EQ(library_.Replace("ember-tide", LookWith(0.9F)), kDone);
   ASSERT_EQ(library_.Remove("lone-wire"), kDone);
   ASSERT_EQ(library_.Add("lone wire", LookWith(0.5F)), kDone); // the name is free again
   const std::vector<std::string> before = Seen(library_);
   ASSERT_EQ(library_.RestoreFactory(), kDone);
   const std::vector<std::string> after{
-      "ember-tide|Ember Tide|0.100000|favourite|factory|picture",
-      "ember-tide-2|Ember Tide 2|0.900000|favourite", "lone-wire-2|lone wire|0.500000",
+      "ember-tide|Ember Tide|0.100000|favorite|factory|picture",
+      "ember-tide-2|Ember Tide 2|0.900000|favorite", "lone-wire-2|lone wire|0.500000",
       "lone-wire|Lone Wire 2|0.200000|factory", "mine|Mine|0.300000"};
   EXPECT_EQ(Seen(library_), after);
   EXPECT_EQ(SeenElsewhere(), after);
@@ -163,7 +163,7 @@ TEST_F(PresetLibraryTest, RefusalsChangeNothing) {
       {"no preset \"nobody\"", library_.Replace("nobody", DefaultSettings())},
       {"no preset \"nobody\"", library_.Remove("nobody")},
       {"no preset \"nobody\"", library_.Duplicate("nobody")},
-      {"no preset \"nobody\"", library_.SetFavourite("nobody", true)},
+      {"no preset \"nobody\"", library_.SetFavorite("nobody", true)},
       {"no preset \"nobody\"", library_.Export(folder_ / "x", ids)},
       {"no preset", library_.Export(folder_ / "x", {})},
       {"folder of the presets",
@@ -193,10 +193,10 @@ TEST_F(PresetLibraryTest, NamesFindTheirPresets) {
   ASSERT_EQ(library_.Add("✨", DefaultSettings(), &id), kDone);
   EXPECT_EQ(id, "preset");
   EXPECT_EQ(library_.FindByName("ÄRGER ÜBER ✨")->id, "arger-uber");
-  ASSERT_EQ(library_.SetFavourite(id, true), kDone);
+  ASSERT_EQ(library_.SetFavorite(id, true), kDone);
   ASSERT_EQ(library_.Remove(id), kDone);
   ASSERT_EQ(library_.Add("✨", DefaultSettings(), &id), kDone);
-  EXPECT_FALSE(library_.Find(id)->favourite) << "another one's mark";
+  EXPECT_FALSE(library_.Find(id)->favorite) << "another one's mark";
 }
 
 // Another program and this one change the same preset: neither loses its look.

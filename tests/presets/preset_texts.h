@@ -26,7 +26,7 @@ inline std::vector<std::string> Seen(const PresetLibrary& library) {
   std::vector<std::string> lines;
   for (const Preset& preset : library.Presets())
     lines.push_back(preset.id + "|" + preset.name + "|" + std::to_string(preset.look.fade) +
-                    (preset.favourite ? "|favourite" : "") +
+                    (preset.favorite ? "|favorite" : "") +
                     (preset.origin == Preset::Origin::Factory          ? "|factory"
                      : preset.origin == Preset::Origin::ChangedFactory ? "|changed"
                                                                        : "") +

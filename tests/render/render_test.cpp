@@ -280,7 +280,7 @@ TEST_F(RenderTest, VideosHoldEveryFrameAndTheSoundInStep) {
     const auto reader = AudioReader::Open(program_.Path(name), {}, error);
     ASSERT_TRUE(reader) << error;
     std::vector<float> sound;
-    while (const AnalysedSound* const next = reader->Next())
+    while (const AnalyzedSound* const next = reader->Next())
       sound.insert(sound.end(), next->sound.begin(), next->sound.end());
     EXPECT_NEAR(static_cast<double>(sound.size()) / 2 / kAnalysisRate, 1.4, 0.03) << name;
     const auto loudest = std::max_element(

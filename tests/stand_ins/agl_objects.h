@@ -18,7 +18,7 @@ struct Numbered {
 
 } // namespace halvenor::stand_ins
 
-// Plain members are the ones that the caller has to serialise; the thread sanitizer sees whether
+// Plain members are the ones that the caller has to serialize; the thread sanitizer sees whether
 // it does. The others serve the checks.
 struct HalvenorPixelFormat : halvenor::stand_ins::Numbered {};
 struct HalvenorContext : halvenor::stand_ins::Numbered {

@@ -1,6 +1,6 @@
 // The misuses that the stand-ins report: no other suite has any. That they show every call with its
 // arguments, and fail where they are told to, is what the suites over them look at.
-#include "tests/stand_ins/agl_behaviour.h"
+#include "tests/stand_ins/agl_behavior.h"
 #include "tests/stand_ins/stand_in_test.h"
 
 namespace halvenor::stand_ins {

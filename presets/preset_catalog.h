@@ -14,7 +14,7 @@
 
 namespace halvenor {
 
-class PresetCatalogue {
+class PresetCatalog {
 public:
   /// Reads the factory presets and their pictures anew.
   void LoadFactory(const std::filesystem::path& folder);

@@ -1,4 +1,4 @@
-#include "presets/preset_catalogue.h"
+#include "presets/preset_catalog.h"
 
 #include "presets/look.h"
 #include "presets/preset_names.h"
@@ -15,7 +15,7 @@ bool SamePreset(const NamedLook& one, const NamedLook& other) {
   return one.name == other.name && SameLook(one.look, other.look);
 }
 
-void PresetCatalogue::LoadFactory(const fs::path& folder) {
+void PresetCatalog::LoadFactory(const fs::path& folder) {
   factory_.clear();
   factoryIds_.clear();
   unreadable_.clear();
@@ -30,12 +30,12 @@ void PresetCatalogue::LoadFactory(const fs::path& folder) {
   }
 }
 
-void PresetCatalogue::ShowOne(const PresetStore& store, const std::string& id,
-                              const NamedLook& preset) {
+void PresetCatalog::ShowOne(const PresetStore& store, const std::string& id,
+                            const NamedLook& preset) {
   // Files may have been given the same name by hand, or by two programs at once.
   Preset shown{id, FreshNameFor(preset.name, names_), preset.look, false, Preset::Origin::Own, {}};
   names_.insert(Folded(shown.name));
-  shown.favourite = store.IsMarked(PresetMark::Kind::Favourite, id);
+  shown.favorite = store.IsMarked(PresetMark::Kind::Favorite, id);
   if (const auto original = factory_.find(id); original != factory_.end()) {
     const bool isSame = SamePreset(original->second.preset, preset);
     shown.origin = isSame ? Preset::Origin::Factory : Preset::Origin::ChangedFactory;
@@ -46,7 +46,7 @@ void PresetCatalogue::ShowOne(const PresetStore& store, const std::string& id,
 }
 
 // The user's own presets keep their names; factory presets get a number when they clash.
-void PresetCatalogue::Show(const PresetStore& store) {
+void PresetCatalog::Show(const PresetStore& store) {
   presets_.clear();
   names_.clear();
   for (const auto& [id, own] : store.Files())
@@ -62,13 +62,13 @@ void PresetCatalogue::Show(const PresetStore& store) {
             [&](const Preset& a, const Preset& b) { return keys[a.id] < keys[b.id]; });
 }
 
-const Preset* PresetCatalogue::Find(std::string_view id) const {
+const Preset* PresetCatalog::Find(std::string_view id) const {
   const auto found = std::find_if(presets_.begin(), presets_.end(),
                                   [&](const Preset& preset) { return preset.id == id; });
   return found == presets_.end() ? nullptr : &*found;
 }
 
-const Preset* PresetCatalogue::FindByName(std::string_view name) const {
+const Preset* PresetCatalog::FindByName(std::string_view name) const {
   const std::string wanted = Folded(TidyPresetName(name));
   for (const Preset& preset : presets_)
     if (Folded(preset.name) == wanted) return &preset;

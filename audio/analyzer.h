@@ -1,7 +1,7 @@
 // From sound to audio records: waveform and spectrum of every 50 ms.
 //
 // Magnitudes. Each record is seen through three Hann windows of 2048 frames, a third of its 50 ms
-// apart (as a rule centred in the thirds), each transformed at 4096 points (8 points per bin
+// apart (as a rule centered in the thirds), each transformed at 4096 points (8 points per bin
 // of 86.13 Hz). A bin's level is the highest one found within half a bin of its frequency in any
 // window, peaks that fall between two points interpolated. A level L, in decibels below a
 // full-scale sine, becomes
@@ -31,7 +31,7 @@ inline constexpr std::size_t kFramesPerRecord = 2205; ///< 50 ms
 inline constexpr int kMostOffset = 2000;
 
 /// Record `index` shows the sound from 50 x index to 50 x index + 50 ms.
-struct AnalysedSound {
+struct AnalyzedSound {
   std::uint64_t index;
   RenderVisualData record; ///< two waveform and two spectrum channels
   /// The record's frames, left and right alternating, within -1..+1: `kFramesPerRecord` of them,
@@ -41,20 +41,20 @@ struct AnalysedSound {
 
 /// Which sound a record's windows see.
 enum class AnalysisWindows {
-  Centred, ///< up to 15 ms on both sides of the record
-  Past     ///< up to 30 ms before it, none after it: for sound that is heard already
+  Centered, ///< up to 15 ms on both sides of the record
+  Past      ///< up to 30 ms before it, none after it: for sound that is heard already
 };
 
 /// Not safe for concurrent calls; allocates nothing after construction.
-class Analyser {
+class Analyzer {
 public:
-  /// Receives the records in order, from within `Push` and `Flush`; must not call the analyser.
-  using Receiver = std::function<void(const AnalysedSound&)>;
+  /// Receives the records in order, from within `Push` and `Flush`; must not call the analyzer.
+  using Receiver = std::function<void(const AnalyzedSound&)>;
 
-  explicit Analyser(Receiver receiver, AnalysisWindows windows = AnalysisWindows::Centred);
-  ~Analyser();
-  Analyser(const Analyser&) = delete;
-  Analyser& operator=(const Analyser&) = delete;
+  explicit Analyzer(Receiver receiver, AnalysisWindows windows = AnalysisWindows::Centered);
+  ~Analyzer();
+  Analyzer(const Analyzer&) = delete;
+  Analyzer& operator=(const Analyzer&) = delete;
 
   /// Takes stereo sound at `kAnalysisRate`, left and right alternating (an odd last value is
   /// ignored). Values beyond -1..+1 are clipped, those that are no number are silence. A record
@@ -72,7 +72,7 @@ private:
   struct Transform;
 
   void Take(float left, float right);
-  void AnalyseRecord(std::size_t frames);
+  void AnalyzeRecord(std::size_t frames);
 
   Receiver receiver_;
   std::unique_ptr<Transform> transform_;

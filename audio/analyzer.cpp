@@ -1,4 +1,4 @@
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 
 #include <gst/fft/gstfftf32.h>
 
@@ -51,7 +51,7 @@ struct Peak {
   float magnitude;
 };
 
-/// The summit of the parabola through three neighbouring magnitudes of which the middle one, at
+/// The summit of the parabola through three neighboring magnitudes of which the middle one, at
 /// `point`, is the highest.
 Peak Summit(std::size_t point, float before, float at, float after) {
   const float bend = before - 2 * at + after;
@@ -61,7 +61,7 @@ Peak Summit(std::size_t point, float before, float at, float after) {
 
 } // namespace
 
-struct Analyser::Transform {
+struct Analyzer::Transform {
   std::unique_ptr<GstFFTF32, FreeFft> fft{gst_fft_f32_new(kPoints, FALSE)};
   std::array<float, kWindow> window{};
   std::array<float, kPoints> time{};
@@ -71,7 +71,7 @@ struct Analyser::Transform {
   const std::size_t margin;                 // frames that lie before the record
   std::array<float, 2 * kCapacity> sound{}; // left and right alternating
   std::size_t filled = margin;              // frames
-  AnalysedSound result{};
+  AnalyzedSound result{};
 
   explicit Transform(AnalysisWindows windows);
   void FindMagnitudes(std::size_t channel);
@@ -79,7 +79,7 @@ struct Analyser::Transform {
   void FindWaveform(std::size_t channel, std::uint8_t* bytes) const;
 };
 
-Analyser::Transform::Transform(AnalysisWindows windows) : margin(Margin(windows)) {
+Analyzer::Transform::Transform(AnalysisWindows windows) : margin(Margin(windows)) {
   // Scaled so that the peak of a full-scale sine comes out as 1.
   for (std::size_t i = 0; i < kWindow; ++i) {
     const double phase = 2 * std::numbers::pi * (static_cast<double>(i) + 0.5) / kWindow;
@@ -90,7 +90,7 @@ Analyser::Transform::Transform(AnalysisWindows windows) : margin(Margin(windows)
 }
 
 /// Leaves in `magnitudes` each point's highest magnitude over the record's windows.
-void Analyser::Transform::FindMagnitudes(std::size_t channel) {
+void Analyzer::Transform::FindMagnitudes(std::size_t channel) {
   magnitudes.fill(0);
   for (std::size_t start = 0; start <= 2 * kHop; start += kHop) {
     for (std::size_t i = 0; i < kWindow; ++i)
@@ -105,13 +105,13 @@ void Analyser::Transform::FindMagnitudes(std::size_t channel) {
     magnitude = std::sqrt(magnitude);
 }
 
-void Analyser::Transform::FindSpectrum(std::uint8_t* bins) const {
+void Analyzer::Transform::FindSpectrum(std::uint8_t* bins) const {
   std::array<float, kBins> levels{};
   for (std::size_t bin = 0; bin < kBins; ++bin) {
-    const std::size_t centre = bin * kPointsPerBin;
+    const std::size_t center = bin * kPointsPerBin;
     const auto first =
-        magnitudes.begin() + static_cast<std::ptrdiff_t>(centre < kHalfBin ? 0 : centre - kHalfBin);
-    const auto last = magnitudes.begin() + static_cast<std::ptrdiff_t>(centre + kHalfBin + 1);
+        magnitudes.begin() + static_cast<std::ptrdiff_t>(center < kHalfBin ? 0 : center - kHalfBin);
+    const auto last = magnitudes.begin() + static_cast<std::ptrdiff_t>(center + kHalfBin + 1);
     levels[bin] = *std::max_element(first, last);
   }
   // A summit near the border of two bins belongs to one of them, though both share a point there.
@@ -125,7 +125,7 @@ void Analyser::Transform::FindSpectrum(std::uint8_t* bins) const {
 }
 
 /// Each byte is the mean of the frames it stands for.
-void Analyser::Transform::FindWaveform(std::size_t channel, std::uint8_t* bytes) const {
+void Analyzer::Transform::FindWaveform(std::size_t channel, std::uint8_t* bytes) const {
   constexpr auto kBytes = static_cast<std::size_t>(kSamplesPerChannel);
   for (std::size_t i = 0; i < kBytes; ++i) {
     const std::size_t first = i * kFramesPerRecord / kBytes;
@@ -137,27 +137,27 @@ void Analyser::Transform::FindWaveform(std::size_t channel, std::uint8_t* bytes)
   }
 }
 
-Analyser::Analyser(Receiver receiver, AnalysisWindows windows)
+Analyzer::Analyzer(Receiver receiver, AnalysisWindows windows)
     : receiver_(std::move(receiver)), transform_(std::make_unique<Transform>(windows)) {}
 
-Analyser::~Analyser() = default;
+Analyzer::~Analyzer() = default;
 
-void Analyser::Push(std::span<const float> sound) {
+void Analyzer::Push(std::span<const float> sound) {
   for (std::size_t i = 0; i + 1 < sound.size(); i += 2)
     Take(sound[i], sound[i + 1]);
 }
 
-void Analyser::Take(float left, float right) {
+void Analyzer::Take(float left, float right) {
   const auto clean = [](float value) {
     return std::isnan(value) ? 0.0F : std::clamp(value, -1.0F, 1.0F);
   };
   Transform& t = *transform_;
   t.sound[2 * t.filled] = clean(left);
   t.sound[2 * t.filled + 1] = clean(right);
-  if (++t.filled == kCapacity) AnalyseRecord(kFramesPerRecord);
+  if (++t.filled == kCapacity) AnalyzeRecord(kFramesPerRecord);
 }
 
-void Analyser::AnalyseRecord(std::size_t frames) {
+void Analyzer::AnalyzeRecord(std::size_t frames) {
   Transform& t = *transform_;
   for (std::size_t channel = 0; channel < kAudioChannels; ++channel) {
     t.FindMagnitudes(channel);
@@ -172,17 +172,17 @@ void Analyser::AnalyseRecord(std::size_t frames) {
   t.filled = kCapacity - kFramesPerRecord;
 }
 
-void Analyser::Flush() {
+void Analyzer::Flush() {
   Transform& t = *transform_;
   for (std::size_t pushed = t.filled; pushed > t.margin;) {
     std::fill(t.sound.begin() + static_cast<std::ptrdiff_t>(2 * pushed), t.sound.end(), 0.0F);
-    AnalyseRecord(std::min(kFramesPerRecord, pushed - t.margin));
+    AnalyzeRecord(std::min(kFramesPerRecord, pushed - t.margin));
     pushed -= std::min(pushed, kFramesPerRecord);
   }
   Reset();
 }
 
-void Analyser::Reset() {
+void Analyzer::Reset() {
   Transform& t = *transform_;
   t.sound.fill(0);
   t.filled = t.margin;

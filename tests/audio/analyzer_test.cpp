@@ -1,4 +1,4 @@
-#include "audio/analyser.h"
+#include "audio/analyzer.h"
 
 #include <gtest/gtest.h>
 
@@ -16,15 +16,15 @@ struct Kept {
   std::vector<float> sound;
 };
 
-std::vector<Kept> Analyse(const std::vector<float>& sound, std::size_t chunk = 1000) {
+std::vector<Kept> Analyze(const std::vector<float>& sound, std::size_t chunk = 1000) {
   std::vector<Kept> kept;
-  Analyser analyser([&](const AnalysedSound& analysed) {
-    EXPECT_EQ(analysed.index, kept.size());
-    kept.push_back({analysed.record, {analysed.sound.begin(), analysed.sound.end()}});
+  Analyzer analyzer([&](const AnalyzedSound& analyzed) {
+    EXPECT_EQ(analyzed.index, kept.size());
+    kept.push_back({analyzed.record, {analyzed.sound.begin(), analyzed.sound.end()}});
   });
   for (std::size_t i = 0; i < sound.size(); i += chunk)
-    analyser.Push(std::span(sound).subspan(i, std::min(chunk, sound.size() - i)));
-  analyser.Flush();
+    analyzer.Push(std::span(sound).subspan(i, std::min(chunk, sound.size() - i)));
+  analyzer.Flush();
   return kept;
 }
 
@@ -42,9 +42,9 @@ std::uint8_t Highest(const RenderVisualData& record, int channel = 0) {
 }
 
 // From the middle of one bin to just short of the next one's: places between FFT points too.
-TEST(Analyser, ASineStandsInItsBinAtItsLevel) {
+TEST(Analyzer, ASineStandsInItsBinAtItsLevel) {
   for (const double bin : {1.0, 2.4, 5.56, 11.61, 40.25, 101.125, 180.3, 203.44, 251.7, 255.0}) {
-    const auto kept = Analyse(Stereo(10 * kFramesPerRecord, [=](std::size_t i, int channel) {
+    const auto kept = Analyze(Stereo(10 * kFramesPerRecord, [=](std::size_t i, int channel) {
       const double sine = std::sin(2 * std::numbers::pi * bin * static_cast<double>(i) / 512);
       return channel == 0 ? sine : 0.1 * sine;
     }));
@@ -62,10 +62,10 @@ TEST(Analyser, ASineStandsInItsBinAtItsLevel) {
   }
 }
 
-TEST(Analyser, AClickAnywhereIsSeenInItsRecord) {
+TEST(Analyzer, AClickAnywhereIsSeenInItsRecord) {
   constexpr std::size_t kClick = kAnalysisRate / 200;
   for (std::size_t at = 0; at <= 3 * kFramesPerRecord; at += 49) {
-    const auto kept = Analyse(Stereo(4 * kFramesPerRecord, [=](std::size_t i, int) {
+    const auto kept = Analyze(Stereo(4 * kFramesPerRecord, [=](std::size_t i, int) {
       return i >= at && i < at + kClick ? (i % 16 < 8 ? 0.5 : -0.5) : 0.0;
     }));
     const std::size_t home = (at + kClick / 2) / kFramesPerRecord;
@@ -77,11 +77,11 @@ TEST(Analyser, AClickAnywhereIsSeenInItsRecord) {
   }
 }
 
-TEST(Analyser, TheWaveformFollowsTheSound) {
+TEST(Analyzer, TheWaveformFollowsTheSound) {
   const auto wave = [](double frame, int channel) {
     return channel == 0 ? std::sin(frame / 60) : frame / (2 * kFramesPerRecord) * 2 - 1;
   };
-  const auto kept = Analyse(Stereo(2 * kFramesPerRecord, [&](std::size_t i, int channel) {
+  const auto kept = Analyze(Stereo(2 * kFramesPerRecord, [&](std::size_t i, int channel) {
     return wave(static_cast<double>(i), channel);
   }));
   ASSERT_EQ(kept.size(), 2U);
@@ -96,14 +96,14 @@ TEST(Analyser, TheWaveformFollowsTheSound) {
       }
 }
 
-TEST(Analyser, EveryLengthYieldsItsRecordsAndItsSound) {
+TEST(Analyzer, EveryLengthYieldsItsRecordsAndItsSound) {
   for (const std::size_t frames : {0U, 1U, 655U, 656U, 657U, 658U, 2204U, 2205U, 2206U, 2861U,
                                    2862U, 2863U, 4410U, 4411U, 5067U, 44100U}) {
     const auto sound = Stereo(frames, [](std::size_t i, int channel) {
       return static_cast<double>(i % 1000) / 1000 - channel;
     });
     std::vector<float> heard;
-    const auto kept = Analyse(sound, 2 * 441);
+    const auto kept = Analyze(sound, 2 * 441);
     for (const Kept& one : kept)
       heard.insert(heard.end(), one.sound.begin(), one.sound.end());
     EXPECT_EQ(kept.size(), (frames + kFramesPerRecord - 1) / kFramesPerRecord) << frames;
@@ -111,7 +111,7 @@ TEST(Analyser, EveryLengthYieldsItsRecordsAndItsSound) {
   }
 }
 
-TEST(Analyser, SilenceIsNothingAndIllValuesDoNoHarm) {
+TEST(Analyzer, SilenceIsNothingAndIllValuesDoNoHarm) {
   constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   struct Case {
@@ -122,7 +122,7 @@ TEST(Analyser, SilenceIsNothingAndIllValuesDoNoHarm) {
        {Case{0, true}, Case{1e-30F, true}, Case{1.0F / 65536, true}, Case{kNaN, true},
         Case{kInfinity, false}, Case{-kInfinity, false}, Case{3e38F, false}}) {
     // The ill values, then silence: nothing of them stays.
-    const auto kept = Analyse(Stereo(6 * kFramesPerRecord, [v = value](std::size_t i, int) {
+    const auto kept = Analyze(Stereo(6 * kFramesPerRecord, [v = value](std::size_t i, int) {
       return i < 3 * kFramesPerRecord ? (i % 64 < 32 ? v : -v) : 0.0F;
     }));
     EXPECT_EQ(Highest(kept[1].record) == 0, silent) << value;
@@ -133,10 +133,10 @@ TEST(Analyser, SilenceIsNothingAndIllValuesDoNoHarm) {
 }
 
 // Noise falling by 6 dB an octave at -14 dB is close to the long-time spectrum of mastered music.
-TEST(Analyser, MusicFillsTheRangeWithoutSaturatingIt) {
+TEST(Analyzer, MusicFillsTheRangeWithoutSaturatingIt) {
   std::uint32_t random = 1;
   double brown = 0;
-  const auto kept = Analyse(Stereo(20 * kFramesPerRecord, [&](std::size_t, int) {
+  const auto kept = Analyze(Stereo(20 * kFramesPerRecord, [&](std::size_t, int) {
     random = random * 1664525U + 1013904223U;
     brown = 0.985 * brown + 0.06 * (static_cast<double>(random) / 4294967296.0 - 0.5);
     return brown * 2;
@@ -152,7 +152,7 @@ TEST(Analyser, MusicFillsTheRangeWithoutSaturatingIt) {
   EXPECT_LT(mean, 60);
 }
 
-TEST(Analyser, AMeterShowsDecibelsInEvenSteps) {
+TEST(Analyzer, AMeterShowsDecibelsInEvenSteps) {
   struct Case {
     float peak, level;
   };

@@ -7,9 +7,9 @@
 #include <set>
 #include <thread>
 
-namespace halvenor::agl_behaviour {
+namespace halvenor::agl_behavior {
 
-class AglBehaviour : public GlTest {
+class AglBehavior : public GlTest {
 protected:
   /// How many frames a swap hands over.
   int Swap() {
@@ -46,7 +46,7 @@ public:
   GLuint texture = 0;
 };
 
-TEST_F(AglBehaviour, WhatIsNotThereOrNotCurrentIsRefused) {
+TEST_F(AglBehavior, WhatIsNotThereOrNotCurrentIsRefused) {
   AGLPbuffer made = nullptr;
   // Braces: from left to right, and each call before its error is read.
   ExpectRefusals({
@@ -78,7 +78,7 @@ TEST_F(AglBehaviour, WhatIsNotThereOrNotCurrentIsRefused) {
   ASSERT_TRUE(aglSetCurrentContext(context.context));
 }
 
-TEST_F(AglBehaviour, TheFirstErrorStaysUntilItsOwnThreadReadsIt) {
+TEST_F(AglBehavior, TheFirstErrorStaysUntilItsOwnThreadReadsIt) {
   aglSetDrawable(nullptr, &port.port);
   aglDestroyPBuffer(nullptr);
   aglCreateContext(nullptr, nullptr);
@@ -87,14 +87,14 @@ TEST_F(AglBehaviour, TheFirstErrorStaysUntilItsOwnThreadReadsIt) {
   EXPECT_EQ(aglGetError(), GLenum{AGL_NO_ERROR});
 }
 
-TEST_F(AglBehaviour, EveryCodeHasATextOfItsOwn) {
+TEST_F(AglBehavior, EveryCodeHasATextOfItsOwn) {
   std::set<std::string> texts = {"", ErrorText(AGL_NO_ERROR), ErrorText(4711)};
   for (GLenum code = AGL_BAD_ATTRIBUTE; code <= AGL_NO_BUFFER; ++code)
     texts.insert(ErrorText(code));
   EXPECT_EQ(texts.size(), std::size_t{AGL_NO_BUFFER - AGL_BAD_ATTRIBUTE + 1 + 3});
 }
 
-TEST_F(AglBehaviour, ASwapHandsOverOneFrameOfThePortsSize) {
+TEST_F(AglBehavior, ASwapHandsOverOneFrameOfThePortsSize) {
   const auto expectFrame = [this](int width, int height) {
     EXPECT_EQ(Swap(), 1);
     EXPECT_EQ(port.image.width, width);
@@ -117,7 +117,7 @@ TEST_F(AglBehaviour, ASwapHandsOverOneFrameOfThePortsSize) {
   EXPECT_EQ(Swap(), 0);
 }
 
-TEST_F(AglBehaviour, OnlyTheAttachedPortIsShown) {
+TEST_F(AglBehavior, OnlyTheAttachedPortIsShown) {
   ASSERT_TRUE(aglSetCurrentContext(context.context));
   ShownPBuffer buffers[] = {ShownPBuffer(context.context), ShownPBuffer(context.context)};
   EXPECT_EQ(Swap(), 1) << "making pbuffers does not direct drawing to them";
@@ -155,4 +155,4 @@ TEST_F(AglBehaviour, OnlyTheAttachedPortIsShown) {
   EXPECT_EQ(Swap(), 1);
 }
 
-} // namespace halvenor::agl_behaviour
+} // namespace halvenor::agl_behavior

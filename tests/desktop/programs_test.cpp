@@ -64,8 +64,7 @@ protected:
   }
 
   std::unique_ptr<Program> Start(const QStringList& arguments) {
-    return std::make_unique<Program>(QStringList{"--plugin", HALVENOR_RECORDING_PLUGIN} + arguments,
-                                     environment);
+    return std::make_unique<Program>(QStringList{"--plugin", FAKE_PLUGIN} + arguments, environment);
   }
   Outcome Run(const QString& program, const QStringList& arguments, const QString& folder = {}) {
     QProcess tool;
@@ -308,7 +307,7 @@ TEST_F(ProgramsTest, ListensWithTheTitlesOfOthers) {
   EXPECT_TRUE(Eventually([&] { return program->HasStart("[vply] Aria - Bach, Gould"); }));
   const std::string tone = Tone("Tone", 60);
   const halvenor::Playing playing(tone, "alpha");
-  EXPECT_TRUE(Eventually([&] { return program->Has("[vrnd] sound"); }));
+  EXPECT_TRUE(Eventually([&] { return program->HasStart("[vrnd] sound"); }));
   {
     OtherPlayer late(busAddress, "late");
     late.Say("Playing", "Line\nfeed\x1b", "One name");
@@ -336,13 +335,13 @@ TEST_F(ProgramsTest, ListensWithTheTitlesOfOthers) {
   // What was chosen is kept, and passed over with a word while it is not there.
   program = Start({"--source", "beta.monitor"});
   const halvenor::Playing onBeta(tone, "beta");
-  EXPECT_TRUE(Eventually([&] { return program->Has("[vrnd] sound"); }));
+  EXPECT_TRUE(Eventually([&] { return program->HasStart("[vrnd] sound"); }));
   program.reset();
   ASSERT_TRUE(sound.RemoveOutput("beta"));
   program = Start({});
   EXPECT_TRUE(
       Eventually([&] { return program->HasStart("halvenor: The source beta.monitor is not"); }));
-  EXPECT_TRUE(Eventually([&] { return program->Has("[vrnd] sound"); }));
+  EXPECT_TRUE(Eventually([&] { return program->HasStart("[vrnd] sound"); }));
 }
 
 } // namespace

@@ -79,7 +79,7 @@ protected:
   std::unique_ptr<DisplaySession> desk = GetParam().start(GetParam().scale);
 
   std::unique_ptr<Program> StartRecorded(const QStringList& arguments = {"--demo"}) {
-    return std::make_unique<Program>(QStringList{"--plugin", HALVENOR_RECORDING_PLUGIN} + arguments,
+    return std::make_unique<Program>(QStringList{"--plugin", FAKE_PLUGIN} + arguments,
                                      desk->Environment());
   }
   bool IsX11() const { return std::string(GetParam().name).starts_with("X11"); }
@@ -215,7 +215,7 @@ protected:
 
 TEST_F(OneDeskTest, EndsInOrder) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, 0}) {
-    Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+    Program program({"--demo", "--plugin", FAKE_PLUGIN}, desk->Environment());
     ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
     if (signal) {
       program.Signal(signal);
@@ -239,7 +239,7 @@ TEST(ScaledDeskTest, FollowsTheScaleOfItsScreen) {
   ASSERT_TRUE(settings.open(QFile::Append));
   settings.write("[fullScreen]\nscreen=HEADLESS-2\n");
   settings.close();
-  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+  Program program({"--demo", "--plugin", FAKE_PLUGIN}, desk->Environment());
   const std::string area = "[show] wayland whole native ";
   ASSERT_TRUE(Eventually([&] { return program.HasStart(area); }));
   int width = 0;
@@ -263,7 +263,7 @@ TEST(ScaledDeskTest, FollowsTheScaleOfItsScreen) {
 
 // Seen before the program comes to draw what the window system has made larger.
 TEST_F(OneDeskTest, IsNotWhiteWhereItGrows) {
-  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, desk->Environment());
+  Program program({"--demo", "--plugin", FAKE_PLUGIN}, desk->Environment());
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
   program.Signal(SIGSTOP);
   desk->Run("xdotool", {"getactivewindow", "windowsize", "--sync", "1100", "700"});
@@ -275,7 +275,7 @@ TEST_F(OneDeskTest, IsNotWhiteWhereItGrows) {
 TEST_F(OneDeskTest, GoesOnWithoutSettings) {
   QProcessEnvironment readOnly = desk->Environment();
   readOnly.insert("XDG_CONFIG_HOME", "/proc/self");
-  Program program({"--demo", "--plugin", HALVENOR_RECORDING_PLUGIN}, readOnly);
+  Program program({"--demo", "--plugin", FAKE_PLUGIN}, readOnly);
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vrnd]"); }));
   EXPECT_TRUE(desk->PressUntil("ctrl+t", [&] { return program.HasStart("[swin]"); }));
   EXPECT_TRUE(desk->PressUntil(
@@ -288,7 +288,7 @@ TEST_F(OneDeskTest, GoesOnWithoutSettings) {
 
 TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
   const QString tone = Write("One second.wav", Silence(1));
-  Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, tone}, desk->Environment());
+  Program program({"--plugin", FAKE_PLUGIN, tone}, desk->Environment());
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vstp]"); }));
   EXPECT_EQ(program.Last("[vply]"), "[vply] | One second");
   const int records = program.Count("[vrnd]");
@@ -344,7 +344,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
        EXIT_FAILURE},
   };
   for (const auto& [medium, environment, line, status] : cases) {
-    Program program({"--plugin", HALVENOR_RECORDING_PLUGIN, medium}, environment);
+    Program program({"--plugin", FAKE_PLUGIN, medium}, environment);
     ASSERT_TRUE(Eventually([&, line = line] { return program.HasStart(line); })) << line;
     EXPECT_TRUE(Eventually([&] {
       return LitPixels(desk->Picture().copy(300, 150, 700, 555)) > 200;

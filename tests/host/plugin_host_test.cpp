@@ -1,12 +1,12 @@
 #include "host/plugin_host.h"
-#include "tests/host/scripted_plugin.h"
+#include "tests/support/fake_plugin.h"
+#include "tests/support/plain_host.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
-#include <dlfcn.h>
 #include <functional>
 #include <vector>
 
@@ -16,21 +16,8 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-ScriptedPlugin& Plugin() {
-  void* const handle = dlopen(SCRIPTED_PLUGIN, RTLD_NOW | RTLD_LOCAL);
-  return *reinterpret_cast<ScriptedPluginProc>(dlsym(handle, kScriptedPluginName))();
-}
-
-HostMessage Request() {
-  HostMessage message{};
-  message.majorVersion = kHostMessageMajorVersion;
-  message.minorVersion = kHostMessageMinorVersion;
-  message.size = sizeof message;
-  return message;
-}
-
 HostMessage Registration(VisualHandlerProc handler) {
-  HostMessage message = Request();
+  HostMessage message = EmptyRequest();
   RegistrationBody& body = message.body.registration;
   std::memcpy(body.name,
               "\x04"
@@ -50,10 +37,10 @@ HostMessage Registration(VisualHandlerProc handler) {
 }
 
 /// A plug-in that registers, answers every message with 0, and notes what it got; and a host.
-class PluginHostTest : public testing::Test, public HostServices {
+class PluginHostTest : public testing::Test, public PlainHost {
 protected:
   PluginHostTest() {
-    script_.entry = [this](FourCharCode code, void* record) {
+    plugin_.entry = [this](FourCharCode code, void* record) {
       received_.push_back(code);
       if (code != message::kInit) return status::kOk;
       PluginInitMessage init;
@@ -65,10 +52,10 @@ protected:
       return register_();
     };
     register_ = [this] {
-      HostMessage message = Registration(Plugin().handler);
+      HostMessage message = Registration(plugin_.registered);
       return proc_(cookie_, request::kRegisterVisualPlugin, &message);
     };
-    script_.handler = [this](FourCharCode code, VisualMessage* record, void* refCon) {
+    plugin_.handler = [this](FourCharCode code, VisualMessage* record, void* refCon) {
       received_.push_back(code);
       last_ = *record;
       if (code == message::kInit) {
@@ -79,14 +66,9 @@ protected:
       return answer_(code);
     };
   }
-  ~PluginHostTest() override { script_ = {}; }
+  ~PluginHostTest() override { plugin_ = {}; }
 
-  std::unique_ptr<PluginHost> MakeHost() {
-    const auto module = PluginModule::Load(SCRIPTED_PLUGIN, error_);
-    EXPECT_TRUE(module) << error_;
-    auto host = PluginHost::Create(*module, *this, error_);
-    return host;
-  }
+  std::unique_ptr<PluginHost> MakeHost() { return Load(FAKE_PLUGIN); }
   std::unique_ptr<PluginHost> MakeActiveHost() {
     auto host = MakeHost();
     EXPECT_EQ(host->Init(), status::kOk);
@@ -94,30 +76,19 @@ protected:
     return host;
   }
 
-  PreferenceStore& Preferences() override { return store_; }
-  Status SetFullScreen(bool fullScreen) override { return setFullScreen_(fullScreen); }
-  Status SetFullScreenOptions(const FullScreenOptions& options) override {
-    options_ = options;
-    return status::kOk;
-  }
-
-  PluginScript& script_ = Plugin().script;
+  FakePlugin& plugin_ = LoadedFakePlugin(FAKE_PLUGIN);
   std::function<Status()> register_;
   std::function<Status(FourCharCode)> answer_ = [](FourCharCode) { return status::kOk; };
-  std::function<Status(bool)> setFullScreen_ = [](bool) { return status::kOk; };
   void* cookie_ = nullptr;
   HostProc proc_ = nullptr;
   int refConTarget_ = 0;
   std::vector<FourCharCode> received_; ///< by the entry and the handler
   VisualMessage last_{};
-  MemoryPreferenceStore store_;
-  FullScreenOptions options_;
-  std::string error_;
 };
 
 TEST_F(PluginHostTest, TakesTheRegistration) {
   const auto host = MakeHost();
-  ASSERT_TRUE(host) << error_;
+  ASSERT_TRUE(host) << error;
   const PluginRegistration& registration = host->Registration();
   EXPECT_EQ(registration.name, "Café");
   EXPECT_EQ(registration.creator, Code("hook"));
@@ -136,21 +107,21 @@ TEST_F(PluginHostTest, RefusesPluginsThatDoNotRegister) {
     EXPECT_EQ(proc_(cookie_, request::kRegisterVisualPlugin, &message), kBadRequestRecord);
     return status::kOk; // as plug-ins do, whatever the host answered
   };
-  HostMessage nameless = Registration(Plugin().handler);
+  HostMessage nameless = Registration(plugin_.registered);
   nameless.body.registration.name[0] = 0;
   const struct {
     std::function<Status()> behavior;
-    const char* error;
+    const char* reason;
   } cases[] = {
       {[] { return status::kOk; }, "did not register"},
       {[] { return Status{-7}; }, "status -7"},
       {[&] { return registerAs(Registration(nullptr)); }, "did not register"},
       {[&] { return registerAs(nameless); }, "did not register"},
   };
-  for (const auto& [behavior, error] : cases) {
+  for (const auto& [behavior, reason] : cases) {
     register_ = behavior;
     EXPECT_FALSE(MakeHost());
-    EXPECT_THAT(error_, HasSubstr(error));
+    EXPECT_THAT(error, HasSubstr(reason));
   }
 }
 
@@ -213,7 +184,7 @@ TEST_F(PluginHostTest, SendsKeysAsEvents) {
   EventRecord event{}; // these two outlive the host, which says goodbye
   Status used = status::kOk;
   const auto host = MakeActiveHost();
-  script_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
+  plugin_.handler = [&](FourCharCode code, VisualMessage* record, void*) {
     if (code == message::kEvent) event = *record->event.event;
     return used;
   };
@@ -261,7 +232,7 @@ TEST_F(PluginHostTest, AnActivationNeedsAPluginThatSetItselfUp) {
   } cases[] = {{0, true, true}, {0, false, true}, {-43, true, true}, {-108, false, false}};
   for (const auto& [answer, setsUp, activated] : cases) {
     const auto host = MakeHost();
-    script_.handler = [&, answer = answer, setsUp = setsUp](FourCharCode code,
+    plugin_.handler = [&, answer = answer, setsUp = setsUp](FourCharCode code,
                                                             VisualMessage* record, void*) {
       if (code == message::kInit && setsUp) record->init.refCon = &refConTarget_;
       return answer;
@@ -275,49 +246,49 @@ TEST_F(PluginHostTest, AnswersTheRequests) {
   const auto host = MakeActiveHost();
 
   std::uint32_t block[2] = {1, 2};
-  HostMessage message = Request();
+  HostMessage message = EmptyRequest();
   message.body.pluginData = {block, sizeof block, 0};
   EXPECT_EQ(proc_(cookie_, request::kSetPluginData, &message), status::kOk);
   std::uint32_t readBack[3] = {};
-  message = Request();
+  message = EmptyRequest();
   message.body.pluginData = {readBack, sizeof readBack, 0};
   EXPECT_EQ(proc_(cookie_, request::kGetPluginData, &message), status::kOk);
   EXPECT_EQ(std::uint32_t{message.body.pluginData.sizeRead}, 8u);
   EXPECT_EQ(readBack[1], 2u);
 
   FileSpec spec;
-  message = Request();
+  message = EmptyRequest();
   message.body.fileSpec.fileSpec = &spec;
   EXPECT_EQ(proc_(cookie_, request::kGetPluginFileSpec, &message), status::kOk);
-  const std::string file = std::filesystem::path(SCRIPTED_PLUGIN).filename();
+  const std::string file = std::filesystem::path(FAKE_PLUGIN).filename();
   EXPECT_EQ(std::string(reinterpret_cast<char*>(spec.bytes) + 7, spec.bytes[6]), file);
 
   std::vector<bool> switches;
-  setFullScreen_ = [&](bool on) {
+  setFullScreen = [&](bool on) {
     switches.push_back(on);
     return Status{-9};
   };
-  message = Request();
+  message = EmptyRequest();
   message.body.fullScreen.fullScreen = 1;
   EXPECT_EQ(proc_(cookie_, request::kSetFullScreen, &message), -9);
   message.body.fullScreen.fullScreen = 0;
   proc_(cookie_, request::kSetFullScreen, &message);
   EXPECT_THAT(switches, ElementsAre(true, false));
 
-  message = Request();
+  message = EmptyRequest();
   message.body.fullScreenOptions = {16, 24, 32, 4464, -480};
   EXPECT_EQ(proc_(cookie_, request::kSetFullScreenOptions, &message), status::kOk);
-  EXPECT_EQ(options_.minBitDepth, 16);
-  EXPECT_EQ(options_.maxBitDepth, 24);
-  EXPECT_EQ(options_.preferredBitDepth, 32);
-  EXPECT_EQ(options_.desiredWidth, 4464);
-  EXPECT_EQ(options_.desiredHeight, -480);
+  EXPECT_EQ(fullScreenOptions.minBitDepth, 16);
+  EXPECT_EQ(fullScreenOptions.maxBitDepth, 24);
+  EXPECT_EQ(fullScreenOptions.preferredBitDepth, 32);
+  EXPECT_EQ(fullScreenOptions.desiredWidth, 4464);
+  EXPECT_EQ(fullScreenOptions.desiredHeight, -480);
 }
 
 TEST_F(PluginHostTest, BearsBadRequests) {
   const auto host = MakeActiveHost();
   const auto with = [](const std::function<void(HostMessage&)>& change) {
-    HostMessage message = Request();
+    HostMessage message = EmptyRequest();
     change(message);
     return message;
   };
@@ -326,9 +297,10 @@ TEST_F(PluginHostTest, BearsBadRequests) {
     HostMessage message;
     Status answer;
   } cases[] = {
-      {Code("what"), Request(), status::kNotHandled},
-      {request::kRegisterVisualPlugin, Registration(Plugin().handler), kBadRequestRecord}, // again
-      {request::kGetPluginFileSpec, Request(), kBadRequestRecord},                         // null
+      {Code("what"), EmptyRequest(), status::kNotHandled},
+      {request::kRegisterVisualPlugin, Registration(plugin_.registered),
+       kBadRequestRecord},                                              // again
+      {request::kGetPluginFileSpec, EmptyRequest(), kBadRequestRecord}, // null
       {request::kGetPluginData, with([](auto& m) { m.body.pluginData.size = 4; }),
        kBadRequestRecord},
       {request::kSetPluginData, with([](auto& m) { m.body.pluginData.size = 4; }),
@@ -347,12 +319,12 @@ TEST_F(PluginHostTest, MessagesMayBeSentFromInsideAnAnswer) {
   HalvenorPort port{};
   auto host = MakeActiveHost();
   host->Show(&port, {}, 0);
-  setFullScreen_ = [&](bool) {
+  setFullScreen = [&](bool) {
     host->SetWindow(&port, {}, 0);
     return host->Cleanup();
   };
   answer_ = [&](FourCharCode code) {
-    HostMessage message = Request();
+    HostMessage message = EmptyRequest();
     return code == message::kEvent ? proc_(cookie_, request::kSetFullScreen, &message) : 0;
   };
   EXPECT_TRUE(host->Key('c', false));

@@ -21,7 +21,7 @@ class PluginModuleTest : public testing::Test {
 protected:
   PluginModuleTest() {
     fs::create_directories(folder_ / "Good.bundle/Contents/Linux");
-    fs::copy_file(SCRIPTED_PLUGIN, folder_ / "Good.bundle/Contents/Linux/Good");
+    fs::copy_file(FAKE_PLUGIN, folder_ / "Good.bundle/Contents/Linux/Good");
     fs::create_directory(folder_ / "Empty.bundle");
     std::ofstream(folder_ / "text") << std::string(5000, 'x');
     // The module's own loader text must not be trusted with the current folder.
@@ -38,7 +38,7 @@ protected:
 TEST_F(PluginModuleTest, LoadsBundlesAndFiles) {
   std::string error;
   for (const fs::path& path :
-       {fs::path(SCRIPTED_PLUGIN), folder_ / "Good.bundle", folder_ / "Good.bundle/",
+       {fs::path(FAKE_PLUGIN), folder_ / "Good.bundle", folder_ / "Good.bundle/",
         fs::path("Good.bundle"), fs::path("Good.bundle/Contents/Linux/Good")}) {
     const auto module = PluginModule::Load(path, error);
     ASSERT_TRUE(module) << error;

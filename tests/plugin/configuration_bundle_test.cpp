@@ -1,9 +1,9 @@
 // The real plug-in in a bundle of the suite's own, which has a configuration bundle inside, or not.
 #include "host/install_paths.h"
-#include "host/plugin_host.h"
 #include "platform/debug_log.h"
 #include "platform/ports.h"
 #include "protocol/settings.h"
+#include "tests/support/plain_host.h"
 #include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +25,7 @@ using testing::ElementsAre;
 
 std::vector<std::string> heard; // lines of the debug log, and alerts
 
-class ConfigurationBundle : public testing::Test, private HostServices {
+class ConfigurationBundle : public testing::Test {
 protected:
   void SetUp() override {
     const fs::path contents = folder_ / "Halvenor.bundle/Contents";
@@ -36,11 +36,8 @@ protected:
     inner_ = contents / "Frameworks/CocoaBundle.bundle/Contents";
     debug_log::SetReceiver([](void*, std::string_view line) { heard.emplace_back(line); }, nullptr);
     SetAlertSound([](int ticks) { heard.push_back("alert " + std::to_string(ticks)); });
-    std::string error;
-    const auto module = PluginModule::Load(folder_ / "Halvenor.bundle", error);
-    ASSERT_TRUE(module) << error;
-    host_ = PluginHost::Create(*module, *this, error);
-    ASSERT_TRUE(host_) << error;
+    host_ = services_.Load(folder_ / "Halvenor.bundle");
+    ASSERT_TRUE(host_) << services_.error;
     EXPECT_EQ(host_->Init(), status::kOk);
   }
   void TearDown() override {
@@ -58,13 +55,9 @@ protected:
     fs::copy_file(file, inner_ / "Linux/CocoaBundle");
   }
 
-  PreferenceStore& Preferences() override { return preferences_; }
-  Status SetFullScreen(bool) override { return status::kOk; }
-  Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
-
   const ScratchFolder folder_;
   fs::path inner_;
-  MemoryPreferenceStore preferences_;
+  PlainHost services_;
   std::unique_ptr<PluginHost> host_;
 };
 
@@ -91,7 +84,7 @@ TEST_F(ConfigurationBundle, IsLookedUpAnewUntilItsModuleCanBeUsed) {
     EXPECT_THAT(Press('c'), ElementsAre(kInitialized, "orderWindowFront"));
     Settings block{};
     std::size_t size = 0;
-    preferences_.Read("Halvenor", std::as_writable_bytes(std::span(&block, 1)), size);
+    services_.preferences.Read("Halvenor", std::as_writable_bytes(std::span(&block, 1)), size);
     intensity = block.intensity;
   }
   EXPECT_FLOAT_EQ(stored[1] - stored[0], 0.25F) << "plug-in and module share one guard";

@@ -3,9 +3,9 @@
 
 #include "host/install_paths.h"
 #include "host/log_capture.h"
-#include "host/plugin_host.h"
 #include "platform/clock.h"
 #include "protocol/settings.h"
+#include "tests/support/plain_host.h"
 
 #include <gtest/gtest.h>
 
@@ -37,29 +37,27 @@ inline Settings FieldLook(const Color& color) {
   return settings;
 }
 
-class OffscreenPlugin : private HostServices {
+class OffscreenPlugin {
 public:
   /// Whether lines in the debug log are a failure.
   enum class Log { MustBeEmpty, MayComplain };
 
   OffscreenPlugin(const Settings& settings, int width, int height, Log log = Log::MustBeEmpty)
       : width_(width), height_(height), logMode_(log) {
-    preferences_.Write("Halvenor", std::as_bytes(std::span(&settings, 1)));
+    services_.preferences.Write("Halvenor", std::as_bytes(std::span(&settings, 1)));
     port_.kind = kHalvenorPortOffscreen;
     port_.bounds = {0, 0, static_cast<std::int16_t>(height), static_cast<std::int16_t>(width)};
     port_.frameFinished = TakeFrame;
     port_.frameRefCon = this;
     clock::UseStepped(1000000000);
-    std::string error;
-    const auto module = PluginModule::Load(InstalledPluginPath(), error);
-    if (module) host_ = PluginHost::Create(*module, *this, error);
-    EXPECT_TRUE(host_) << error;
+    host_ = services_.Load(InstalledPluginPath());
+    EXPECT_TRUE(host_) << services_.error;
     EXPECT_EQ(host_->Init(), status::kOk);
     EXPECT_EQ(host_->Show(&port_, port_.bounds, 0), status::kOk) << log_.TakeText();
     clock::WaitUntilParked();
     clock::Step(clock::Now() + 2100000000); // the logo's time passes
   }
-  ~OffscreenPlugin() override {
+  ~OffscreenPlugin() {
     host_->Hide();
     EXPECT_EQ(clock::Step(clock::Now() + 1), clock::StepResult::NoFrame);
     host_->Cleanup();
@@ -69,6 +67,8 @@ public:
     if (lines == "Halvenor : ARB shader support found!") lines.clear();
     EXPECT_TRUE(logMode_ == Log::MayComplain || lines.empty()) << lines;
   }
+  OffscreenPlugin(const OffscreenPlugin&) = delete;
+  OffscreenPlugin& operator=(const OffscreenPlugin&) = delete;
 
   void ShowAgain() {
     EXPECT_EQ(host_->Hide(), status::kOk);
@@ -131,10 +131,6 @@ private:
     return ends;
   }
 
-  PreferenceStore& Preferences() override { return preferences_; }
-  Status SetFullScreen(bool) override { return status::kOk; }
-  Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
-
   static void TakeFrame(void* refCon, const HalvenorFrame* frame) {
     auto& self = *static_cast<OffscreenPlugin*>(refCon);
     EXPECT_EQ(frame->width, self.width_);
@@ -151,7 +147,7 @@ private:
   int height_;
   Log logMode_;
   LogCapture log_{LogCapture::Echo::Nothing, "plugin_tests"};
-  MemoryPreferenceStore preferences_;
+  PlainHost services_;
   HalvenorPort port_{};
   std::unique_ptr<PluginHost> host_;
   std::vector<std::uint8_t> pixels_;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,11 +11,6 @@ namespace halvenor {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 void Redirect(const std::string& path, int descriptor) {
   const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -28,6 +21,7 @@ void Redirect(const std::string& path, int descriptor) {
 } // namespace
 
 pid_t ProgramRun::Start(const Arguments& arguments) const {
+  fs::remove(reports_.Path("errors")); // those of a run before
   const pid_t process = fork();
   if (process != 0) return process;
   std::vector<char*> raw{const_cast<char*>("halvenor-render")};
@@ -50,7 +44,7 @@ RunResult ProgramRun::Wait(pid_t process) const {
   int ended = 0;
   waitpid(process, &ended, 0);
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : 1000 + WTERMSIG(ended),
-          Contents(reports_.Path("output")), Contents(reports_.Path("errors"))};
+          ReadText(reports_.Path("output")), Errors()};
 }
 
 RunResult ProgramRun::Run(const Arguments& arguments) const {
@@ -63,10 +57,6 @@ std::vector<std::string> ProgramRun::Names() const {
     names.push_back(entry.path().filename());
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string ProgramRun::Read(const std::string& name) const {
-  return Contents(Path(name));
 }
 
 } // namespace halvenor

@@ -35,7 +35,9 @@ public:
 
   /// The names in the folder, hidden ones included, sorted.
   [[nodiscard]] std::vector<std::string> Names() const;
-  [[nodiscard]] std::string Read(const std::string& name) const;
+  [[nodiscard]] std::string Read(const std::string& name) const { return ReadText(Path(name)); }
+  /// What a program that still runs has said so far.
+  [[nodiscard]] std::string Errors() const { return ReadText(reports_.Path("errors")); }
 
 private:
   SoundFolder folder_;

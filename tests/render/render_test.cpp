@@ -2,7 +2,7 @@
 #include "audio/audio_reader.h"
 #include "render/time_line.h"
 #include "tests/render/program_run.h"
-#include "tests/render/witness_plugin.h"
+#include "tests/support/fake_plugin.h"
 
 #include <gmock/gmock.h>
 #include <gst/gst.h>
@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <signal.h>
+#include <sstream>
 #include <sys/stat.h>
 #include <thread>
 
@@ -26,8 +27,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr std::size_t kWitnessFrame = 64 * 48 * 4;
-const Arguments kWitness{"--plugin", WITNESS_PLUGIN, "--size", "64x48", "--quiet"};
+constexpr std::size_t kFakeFrame = 64 * 48 * 4;
+const Arguments kFake{"--plugin", FAKE_PLUGIN, "--size", "64x48", "--quiet"};
 
 Arguments operator+(Arguments left, const Arguments& right) {
   left.insert(left.end(), right.begin(), right.end());
@@ -35,10 +36,10 @@ Arguments operator+(Arguments left, const Arguments& right) {
 }
 
 std::vector<Testimony> Testimonies(const std::string& frames) {
-  EXPECT_EQ(frames.size() % kWitnessFrame, 0u);
-  std::vector<Testimony> testimonies(frames.size() / kWitnessFrame);
+  EXPECT_EQ(frames.size() % kFakeFrame, 0u);
+  std::vector<Testimony> testimonies(frames.size() / kFakeFrame);
   for (std::size_t i = 0; i < testimonies.size(); ++i)
-    std::memcpy(&testimonies[i], frames.data() + i * kWitnessFrame, sizeof(Testimony));
+    std::memcpy(&testimonies[i], frames.data() + i * kFakeFrame, sizeof(Testimony));
   return testimonies;
 }
 
@@ -50,6 +51,21 @@ std::string MarkedRecords(int count) {
     records[records.size() - sizeof(RenderVisualData) + 1] = static_cast<char>(i);
   }
   return records;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);)
+    lines.push_back(line);
+  return lines;
+}
+
+// What the plug-in was told, but for the sound.
+std::vector<std::string> Told(const std::string& text) {
+  std::vector<std::string> lines = Lines(text);
+  std::erase_if(lines, [](const std::string& line) { return line.starts_with("[vrnd]"); });
+  return lines;
 }
 
 class RenderTest : public testing::Test {
@@ -105,9 +121,8 @@ TEST_F(RenderTest, FramesAndRecordsComeAtTheirTimes) {
       {"0.5", {1, 2}, "0", "1", 1, 0},
   };
   for (const auto& [fps, rate, start, duration, frames, firstRecord] : cases) {
-    const RunResult result =
-        Succeed(kWitness + Arguments{"--records", "r", "--fps", fps, "--start", start, "--duration",
-                                     duration, "-o", "-"});
+    const RunResult result = Succeed(kFake + Arguments{"--records", "r", "--fps", fps, "--start",
+                                                       start, "--duration", duration, "-o", "-"});
     const std::vector<Testimony> seen = Testimonies(result.output);
     ASSERT_EQ(seen.size(), frames) << fps;
     EXPECT_EQ(seen[0].time - seen[0].shownAt, TimeOfFrame(1, rate));
@@ -126,41 +141,42 @@ TEST_F(RenderTest, ThePluginIsToldWhatItShows) {
   const std::string sound = program_.Folder().Write(
       "Tune.flac", "taginject tags=\"title=\\\"Été\\\",artist=\\\"Щука\\\"\" ! flacenc",
       {.seconds = 0.3, .wave = Sine(440)});
-  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
   program_.environment["XDG_DATA_HOME"] = program_.Path("data");
   WritePresets();
   const struct {
     Arguments settings;
     const char* stored;
   } cases[] = {
-      {{}, "nothing"},
+      {{}, ""},
       {{"--preset", "EMBER tide"}, "0.250000"},
       {{"--preset", "ember.preset"}, "0.250000"},
       {{"--preset", "./two.preset#other #1"}, "0.750000"},
       {{"--set", "fade=0.5", "--preset", "Ember Tide"}, "0.500000"},
       {{"--set", "fade=0.5", "--set", "glow=off"}, "0.500000"},
-      {{"--preferences", "."}, "nothing"},
+      {{"--preferences", "."}, ""},
   };
   for (const auto& [settings, stored] : cases) {
-    std::filesystem::remove(program_.Path("log"));
-    const RunResult result = Succeed(kWitness + settings + Arguments{"-o", "x.png", "Tune.flac"});
-    EXPECT_EQ(program_.Read("log"),
-              std::string("init ") + stored + "\nshow\nplay \x83t\x8E by Shchuka\nhide\nclr\n");
+    const RunResult result = Succeed(kFake + settings + Arguments{"-o", "x.png", "Tune.flac"});
+    EXPECT_THAT(Told(result.errors),
+                ElementsAre(std::string("[init] stored: ") + stored,
+                            "[show] offscreen whole native 64x48 options 0",
+                            "a library that prints", "[vply] \x83t\x8E - Shchuka", "[vstp]",
+                            "[hide]", "[clr ]"));
     EXPECT_EQ(result.output, "") << "standard output is for frames alone";
-    EXPECT_THAT(result.errors, HasSubstr("a library that prints"));
   }
 }
 
 TEST_F(RenderTest, KeysArePressedInTimeBeforeTheFrame) {
   program_.Folder().Write("Tune.flac", "flacenc", {.seconds = 0.3, .wave = Sine(440)});
-  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
-  Succeed(kWitness + Arguments{"-o", "x.png", "Tune.flac", "--fps", "20", "--keys", "0.15:\u00FCb",
-                               "--keys", "0:a", "--keys", "0.06:h:", "--keys", "99:z"});
-  const std::string log = program_.Read("log");
-  const std::size_t first = log.find("key");
-  EXPECT_EQ(log.substr(first, log.rfind("hide") - first),
-            "key a after 1 deliveries\nkey h after 3 deliveries\nkey : after 3 deliveries\n"
-            "key \x9F after 4 deliveries\nkey b after 4 deliveries\n");
+  const RunResult run =
+      Succeed(kFake + Arguments{"-o", "x.png", "Tune.flac", "--fps", "20", "--keys", "0.15:\u00FCb",
+                                "--keys", "0:a", "--keys", "0.06:h:", "--keys", "99:z"});
+  std::string order;
+  for (const std::string& line : Lines(run.errors)) {
+    if (line.starts_with("[vrnd]")) order += "record ";
+    if (line.starts_with("[vevt]")) order += line.substr(7) + " ";
+  }
+  EXPECT_THAT(order, StartsWith("record 97 record record 104 58 record 159 98 record "));
 }
 
 std::string PngPixels(const std::string& path) {
@@ -176,21 +192,21 @@ std::string PngPixels(const std::string& path) {
 
 TEST_F(RenderTest, PicturesShowTheRawFrames) {
   program_.Folder().WriteBytes("r", MarkedRecords(3));
-  const Arguments show = kWitness + Arguments{"--records", "r", "--fps", "20", "-o"};
+  const Arguments show = kFake + Arguments{"--records", "r", "--fps", "20", "-o"};
   Succeed(show + Arguments{"raw.rgba"});
   Succeed(show + Arguments{"last.png"});
   Succeed(show + Arguments{"n%03d.png"});
   EXPECT_THAT(program_.Names(),
               ElementsAre("last.png", "n000.png", "n001.png", "n002.png", "r", "raw.rgba"));
   const std::string raw = program_.Read("raw.rgba");
-  ASSERT_EQ(raw.size(), 3 * kWitnessFrame);
+  ASSERT_EQ(raw.size(), 3 * kFakeFrame);
   for (std::size_t row = 1; row < 48; ++row)
-    EXPECT_EQ(static_cast<std::uint8_t>(raw[row * 256]), WitnessPixel((47 - row) * 256))
+    EXPECT_EQ(static_cast<std::uint8_t>(raw[row * 256]), FakePixel((47 - row) * 256))
         << "row " << row << " from the top";
   for (std::size_t frame = 0; frame < 3; ++frame) {
     std::string opaque;
-    for (std::size_t i = 0; i < kWitnessFrame; i += 4)
-      opaque += raw.substr(frame * kWitnessFrame + i, 3);
+    for (std::size_t i = 0; i < kFakeFrame; i += 4)
+      opaque += raw.substr(frame * kFakeFrame + i, 3);
     EXPECT_EQ(PngPixels(program_.Path("n00" + std::to_string(frame) + ".png")), opaque);
     if (frame == 2) {
       EXPECT_EQ(PngPixels(program_.Path("last.png")), opaque);
@@ -269,7 +285,7 @@ TEST_F(RenderTest, VideosHoldEveryFrameAndTheSoundInStep) {
                                                 return std::abs(time - kClick) < 0.0005 ? 0.9 : 0.0;
                                               }});
   for (const std::string name : {"x.mp4", "x.webm", "x.mkv"}) {
-    Succeed(kWitness +
+    Succeed(kFake +
             Arguments{"--fps", "25", "--start", "0.4", "--duration", "1.4", "-o", name, "s.wav"});
     const std::vector<GstClockTime> times = FrameTimes(program_.Path(name));
     ASSERT_EQ(times.size(), 35u) << name;
@@ -293,18 +309,17 @@ TEST_F(RenderTest, VideosHoldEveryFrameAndTheSoundInStep) {
 
 TEST_F(RenderTest, ASignalCleansUp) {
   program_.Folder().Write("s.flac", "flacenc", {.seconds = 30, .wave = Sine(440)});
-  program_.environment["HALVENOR_WITNESS_LOG"] = program_.Path("log");
   for (const auto& [signal, output] :
        {std::pair(SIGINT, "x.mp4"), std::pair(SIGTERM, "x.rgba"), std::pair(SIGINT, "x.png")}) {
-    std::filesystem::remove(program_.Path("log"));
-    const pid_t process = program_.Start({"--plugin", WITNESS_PLUGIN, "--size", "1280x720", "-o",
+    const pid_t process = program_.Start({"--plugin", FAKE_PLUGIN, "--size", "1280x720", "-o",
                                           output, "--dump-records", "r", "s.flac"});
-    for (int i = 0; i < 1000 && program_.Read("log").find("play") == std::string::npos; ++i)
+    for (int i = 0; i < 1000 && program_.Errors().find("[vply]") == std::string::npos; ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     kill(process, signal);
-    EXPECT_EQ(program_.Wait(process).exitCode, 128 + signal);
-    EXPECT_THAT(program_.Read("log"), testing::EndsWith("hide\nclr\n"));
-    EXPECT_THAT(program_.Names(), ElementsAre("log", "s.flac")) << output;
+    const RunResult result = program_.Wait(process);
+    EXPECT_EQ(result.exitCode, 128 + signal);
+    EXPECT_THAT(result.errors, testing::EndsWith("[hide]\n[clr ]\n"));
+    EXPECT_THAT(program_.Names(), ElementsAre("s.flac")) << output;
   }
 }
 

@@ -6,14 +6,12 @@
 #include "desktop/remote/control_commands.h"
 #include "desktop/shown_text.h"
 #include "desktop/window/user_actions.h"
-#include "host/plugin_module.h"
-#include "tests/host/scripted_plugin.h"
+#include "tests/support/fake_plugin.h"
+#include "tests/support/plain_host.h"
 
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include <dlfcn.h>
 
 namespace halvenor::test {
 namespace {
@@ -142,66 +140,13 @@ TEST(SoundSettingsTest, TakesOnlyNumbersInRangeFromTheFile) {
 
 // --- What the plug-in is told -------------------------------------------------------------------
 
-class PluginFeedTest : public testing::Test, private HostServices {
-protected:
+TEST(PluginFeedTest, TellsEachThingOnceAndWhereItBelongs) {
   std::string told;
-  std::unique_ptr<PluginHost> host;
-
-  void SetUp() override {
-    std::string error;
-    const auto module = PluginModule::Load(SCRIPTED_PLUGIN, error);
-    ASSERT_TRUE(module) << error;
-    const auto scripted = reinterpret_cast<ScriptedPluginProc>(
-        dlsym(dlopen(SCRIPTED_PLUGIN, RTLD_NOW), kScriptedPluginName));
-    ScriptedPlugin& plugin = *scripted();
-    plugin.script.handler = [this](FourCharCode code, VisualMessage* message, void*) {
-      Note(code, *message);
-      return status::kOk;
-    };
-    plugin.script.entry = [&plugin](FourCharCode code, void* record) {
-      if (code != message::kInit) return status::kOk;
-      const auto* init = static_cast<const PluginInitMessage*>(record);
-      HostMessage request{};
-      request.majorVersion = kHostMessageMajorVersion;
-      request.size = sizeof request;
-      request.body.registration.name[0] = 1;
-      request.body.registration.options = kWantsIdleMessages;
-      request.body.registration.handler = plugin.handler;
-      return init->appProc(init->appCookie, request::kRegisterVisualPlugin, &request);
-    };
-    host = PluginHost::Create(*module, *this, error);
-    ASSERT_TRUE(host) << error;
-    host->Init();
-    told.clear();
-  }
-
-private:
-  MemoryPreferenceStore store_;
-
-  PreferenceStore& Preferences() override { return store_; }
-  Status SetFullScreen(bool) override { return status::kOk; }
-  Status SetFullScreenOptions(const FullScreenOptions&) override { return status::kOk; }
-
-  static std::string Text(const std::uint8_t* pascal) {
-    return {reinterpret_cast<const char*>(pascal) + 1, pascal[0]};
-  }
-
-  void Note(FourCharCode code, const VisualMessage& message) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-      told += static_cast<char>(code >> shift);
-    if (code == message::kPlay || code == message::kChangeTrack) {
-      const auto& [track, stream] = message.track;
-      told += track ? " " + Text(track->bytes + kTrackTitleOffset) + "/" +
-                          Text(track->bytes + kTrackArtistOffset)
-                    : " nothing";
-      if (stream) told += "/" + Text(stream->bytes + kStreamTitleOffset);
-    }
-    if (code == message::kRenderData) told += " " + std::to_string(message.render.timeStampID);
-    told += ", ";
-  }
-};
-
-TEST_F(PluginFeedTest, TellsEachThingOnceAndWhereItBelongs) {
+  LoadedFakePlugin(FAKE_PLUGIN).told = [&](const std::string& line) { told += line; };
+  PlainHost services;
+  const auto host = services.Load(FAKE_PLUGIN);
+  ASSERT_TRUE(host) << services.error;
+  host->Init();
   PluginFeed feed(*host);
   const FeedTitles first{.title = "One", .artist = "A", .stream = std::nullopt};
   const FeedTitles second{.title = "Two", .artist = "A", .stream = std::nullopt};
@@ -210,23 +155,23 @@ TEST_F(PluginFeedTest, TellsEachThingOnceAndWhereItBelongs) {
   const std::pair<std::function<void()>, std::string> steps[] = {
       {[&] { feed.Pause(); }, ""},
       {[&] { feed.Stop(); }, ""},
-      {[&] { feed.Play(first); }, "vply One/A, "},
+      {[&] { feed.Play(first); }, "[vply] One - A"},
       {[&] { feed.Play(first); }, ""},
       {[&] { feed.Unpause(); }, ""},
-      {[&] { feed.Record({}); }, "vrnd 0, "},
-      {[&] { feed.Play(second); }, "ctrk Two/A, "},
-      {[&] { feed.Pause(), feed.Pause(); }, "vpau, "},
+      {[&] { feed.Record({}); }, "[vrnd] silence 0"},
+      {[&] { feed.Play(second); }, "[ctrk] Two - A"},
+      {[&] { feed.Pause(), feed.Pause(); }, "[vpau]"},
       {[&] { feed.Play(second); }, ""}, // told, and still paused
-      {[&] { feed.Unpause(), feed.Unpause(); }, "vunp, "},
-      {[&] { feed.Play(radio); }, "ctrk Station//B - Three, "},
-      {[&] { feed.Stop(), feed.Stop(); }, "vstp, "},
-      {[&] { feed.Record({}); }, "vrnd 1, "},
-      {[&] { feed.Play(); }, "vply nothing, "},
-      {[&] { feed.Play(first); }, "ctrk One/A, "},
-      {[&] { feed.Pause(), feed.Stop(); }, "vpau, vstp, "},
-      {[&] { feed.Play(first); }, "vply One/A, "},
-      {[&] { feed.Play(untagged); }, "ctrk nothing/06, "},
-      {[&] { feed.Stop(), feed.Play(untagged); }, "vstp, ctrk nothing/06, vply nothing/06, "},
+      {[&] { feed.Unpause(), feed.Unpause(); }, "[vunp]"},
+      {[&] { feed.Play(radio); }, "[ctrk] Station -  | B - Three"},
+      {[&] { feed.Stop(), feed.Stop(); }, "[vstp]"},
+      {[&] { feed.Record({}); }, "[vrnd] silence 1"},
+      {[&] { feed.Play(); }, "[vply]"},
+      {[&] { feed.Play(first); }, "[ctrk] One - A"},
+      {[&] { feed.Pause(), feed.Stop(); }, "[vpau][vstp]"},
+      {[&] { feed.Play(first); }, "[vply] One - A"},
+      {[&] { feed.Play(untagged); }, "[ctrk] | 06"},
+      {[&] { feed.Stop(), feed.Play(untagged); }, "[vstp][ctrk] | 06[vply] | 06"},
   };
   for (const auto& [step, expected] : steps) {
     told.clear();

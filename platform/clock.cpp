@@ -22,13 +22,13 @@ struct State {
 
   bool stepped = false;
   bool held = false;
-  std::uint64_t stepped_time = 0;
-  nanoseconds held_at{0};  // the machine's time at which the present hold began
-  nanoseconds held_for{0}; // the sum of all holds that have ended
+  std::uint64_t steppedTime = 0;
+  nanoseconds heldAt{0};  // the machine's time at which the present hold began
+  nanoseconds heldFor{0}; // the sum of all holds that have ended
 
   int announced = 0;
   int sleeping = 0;
-  int keeping_awake = 0;
+  int keepingAwake = 0;
   std::uint64_t generation = 0;
 };
 
@@ -44,11 +44,11 @@ nanoseconds MachineTime() {
 
 // The real-time clock: the machine's, minus the time spent in holds.
 nanoseconds RealNow(const State& state) {
-  return (state.held ? state.held_at : MachineTime()) - state.held_for;
+  return (state.held ? state.heldAt : MachineTime()) - state.heldFor;
 }
 
 std::uint64_t NowIn(const State& state) {
-  return state.stepped ? state.stepped_time : static_cast<std::uint64_t>(RealNow(state).count());
+  return state.stepped ? state.steppedTime : static_cast<std::uint64_t>(RealNow(state).count());
 }
 
 void WakeAll(State& state) {
@@ -59,12 +59,12 @@ void WakeAll(State& state) {
 
 void EndHold(State& state) {
   if (!state.held) return;
-  state.held_for += MachineTime() - state.held_at;
+  state.heldFor += MachineTime() - state.heldAt;
   state.held = false;
 }
 
 bool CanPark(const State& state) {
-  return state.stepped && state.announced > 0 && state.keeping_awake == 0;
+  return state.stepped && state.announced > 0 && state.keepingAwake == 0;
 }
 
 StepResult AwaitParked(State& state, std::unique_lock<std::mutex>& lock) {
@@ -89,7 +89,7 @@ std::uint64_t Now() {
 void SleepFor(std::int64_t microseconds) {
   State& state = TheState();
   std::unique_lock lock(state.mutex);
-  if (state.keeping_awake > 0) return;
+  if (state.keepingAwake > 0) return;
   if (microseconds <= 0 && !state.stepped && !state.held) {
     lock.unlock();
     std::this_thread::yield();
@@ -104,7 +104,7 @@ void SleepFor(std::int64_t microseconds) {
       state.sleepers.wait(lock);
     } else if (RealNow(state) < deadline) {
       // A hold or a stepped clock that begins now is noticed at the deadline.
-      state.sleepers.wait_until(lock, SteadyClock::time_point(deadline + state.held_for));
+      state.sleepers.wait_until(lock, SteadyClock::time_point(deadline + state.heldFor));
     } else {
       --state.sleeping;
       return;
@@ -128,7 +128,7 @@ void ThreadGone() {
 KeepAwake::KeepAwake() {
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
-  ++state.keeping_awake;
+  ++state.keepingAwake;
   WakeAll(state);
   state.steppers.notify_all();
 }
@@ -136,7 +136,7 @@ KeepAwake::KeepAwake() {
 KeepAwake::~KeepAwake() {
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
-  --state.keeping_awake;
+  --state.keepingAwake;
 }
 
 void UseStepped(std::uint64_t start) {
@@ -144,7 +144,7 @@ void UseStepped(std::uint64_t start) {
   const std::lock_guard lock(state.mutex);
   EndHold(state);
   state.stepped = true;
-  state.stepped_time = start;
+  state.steppedTime = start;
 }
 
 void UseRealTime() {
@@ -168,7 +168,7 @@ StepResult Step(std::uint64_t time) {
   // A thread that is still drawing finishes at the old time: its next frame is the one asked for.
   const StepResult before = AwaitParked(state, lock);
   if (!state.stepped) return StepResult::NoFrame;
-  state.stepped_time = std::max(state.stepped_time, time);
+  state.steppedTime = std::max(state.steppedTime, time);
   if (before == StepResult::NoFrame) return before;
   WakeAll(state);
   return AwaitParked(state, lock);
@@ -178,7 +178,7 @@ void Hold() {
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
   if (state.stepped || state.held) return;
-  state.held_at = MachineTime();
+  state.heldAt = MachineTime();
   state.held = true;
 }
 

@@ -288,8 +288,7 @@ void MainWindow::QuitSoon() {
 QString MainWindow::Configure() {
   const Status status = visualizer_->Plugin().Configure();
   if (status == status::kOk) return {};
-  const QString failure =
-      tr("The visualizer's settings window cannot be opened (error %1)").arg(status);
+  QString failure = tr("The visualizer's settings window cannot be opened (error %1)").arg(status);
   Report(failure);
   return failure;
 }

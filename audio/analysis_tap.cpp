@@ -7,7 +7,7 @@ namespace halvenor {
 
 namespace {
 
-constexpr std::int64_t kRecordTime = std::int64_t{kDeliveryMilliseconds} * GST_MSECOND;
+constexpr std::int64_t kRecordNanoseconds = std::int64_t{kDeliveryMilliseconds} * GST_MSECOND;
 constexpr std::int64_t kLongestGap = 40 * GST_MSECOND;
 constexpr std::int64_t kSamePlace = 5 * GST_MSECOND;
 constexpr std::size_t kMostMarks = 64;
@@ -133,7 +133,7 @@ void AnalysisTap::Keep(const AnalyzedSound& analyzed) {
     --count_;
   }
   Timed& timed = kept_[(first_ + count_) % kept_.size()];
-  timed.time = origin_ + static_cast<std::int64_t>(analyzed.index) * kRecordTime;
+  timed.time = origin_ + static_cast<std::int64_t>(analyzed.index) * kRecordNanoseconds;
   timed.record = analyzed.record;
   ++count_;
 }

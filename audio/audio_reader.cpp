@@ -18,7 +18,6 @@ namespace {
 using namespace gst_media;
 
 constexpr GstClockTime kPatience = 100 * GST_MSECOND;
-constexpr double kSecond = static_cast<double>(GST_SECOND);
 
 /// Containers whose header gives the length of the sound, as GStreamer names them, and by how many
 /// seconds the decoded sound may fall short of it.
@@ -190,12 +189,12 @@ bool AudioReader::Decoder::Fetch() {
 /// Finds how far the first sample lies from the start that was asked for. A gap of many seconds
 /// means that the medium's times do not begin at zero.
 void AudioReader::Decoder::Align() {
-  constexpr double kLongestGap = 10 * kSecond;
+  constexpr double kLongestLead = 10 * kSecond;
   started = true;
   const std::optional<std::int64_t> time = StreamTime(sample.get());
   if (!time) return;
   const double early = std::max(0.0, options.startSeconds) * kSecond - static_cast<double>(*time);
-  if (early > -kLongestGap) lead = std::llround(early / kSecond * kAnalysisRate);
+  if (early > -kLongestLead) lead = std::llround(early / kSecond * kAnalysisRate);
 }
 
 void AudioReader::Decoder::Feed() {

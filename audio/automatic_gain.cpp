@@ -22,11 +22,11 @@ float Factor(float decibels) {
 }
 
 float Mean(const RenderVisualData& record) {
-  constexpr int kBins = 256;
+  constexpr int kMeanBins = 256;
   int sum = 0;
   for (const auto& channel : record.spectrum)
-    sum = std::accumulate(channel, channel + kBins, sum);
-  return static_cast<float>(sum) / (kAudioChannels * kBins);
+    sum = std::accumulate(channel, channel + kMeanBins, sum);
+  return static_cast<float>(sum) / (kAudioChannels * kMeanBins);
 }
 
 } // namespace

@@ -15,7 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kRecordTime = std::chrono::milliseconds(kDeliveryMilliseconds);
 constexpr auto kLongestWait = 250ms; // without a record; then silence is told
 constexpr auto kRetryPause = 1s;     // also how long a chosen source may be away unnoticed
 constexpr auto kNoSignalAfter = 2s;

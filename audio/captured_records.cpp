@@ -11,8 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kRecordTime = std::chrono::milliseconds(kDeliveryMilliseconds);
-constexpr auto kStale = 200ms;         // records that are later than this are dropped
+constexpr auto kStaleRecord = 200ms;   // records that are later than this are dropped
 constexpr std::size_t kMostKept = 128; // records, more than six seconds
 
 // Gain is applied, and peaks are found, in pieces of 10 ms.
@@ -92,7 +91,7 @@ std::optional<CapturedRecords::Captured> CapturedRecords::Next(Clock::time_point
     if (due > now) break;
     const Captured next = kept_.front();
     kept_.pop_front();
-    if (due + kRecordTime + kStale >= now) return next;
+    if (due + kRecordTime + kStaleRecord >= now) return next;
   }
   return std::nullopt;
 }

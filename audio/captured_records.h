@@ -13,6 +13,9 @@
 
 namespace halvenor {
 
+/// From one record to the next.
+inline constexpr auto kRecordTime = std::chrono::milliseconds(kDeliveryMilliseconds);
+
 /// When the frames of a stream are heard, from the latencies reported again and again. Small
 /// differences are noise and drift and are averaged; large ones that last are a jump.
 class HeardClock {

@@ -13,8 +13,6 @@ namespace {
 
 using Owner = std::unique_ptr<GstObject, ReleasedBy<gst_object_unref>>;
 
-constexpr double kSecond = static_cast<double>(GST_SECOND);
-
 // The analysis runs ahead of the ear by what the first queue holds: more than `kMostOffset`.
 constexpr const char* kQueue = "queue max-size-time=2500000000 max-size-buffers=0 max-size-bytes=0";
 

@@ -23,6 +23,9 @@ using Sample = std::unique_ptr<GstSample, ReleasedBy<gst_sample_unref>>;
 using Caps = std::unique_ptr<GstCaps, ReleasedBy<gst_caps_unref>>;
 using Text = std::unique_ptr<char, ReleasedBy<g_free>>;
 
+/// In the nanoseconds of GStreamer's times.
+inline constexpr double kSecond = static_cast<double>(GST_SECOND);
+
 /// Starts GStreamer, once per process. On failure returns false and leaves one line in `error`.
 /// Any thread.
 bool Start(std::string& error);

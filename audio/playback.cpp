@@ -13,7 +13,6 @@ namespace {
 using namespace gst_media;
 using namespace std::chrono_literals;
 
-constexpr double kSecond = static_cast<double>(GST_SECOND);
 constexpr double kRecordSeconds = kDeliveryMilliseconds / 1000.0;
 constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
 

@@ -109,9 +109,9 @@ struct XspfReader {
   }
   static void OnText(GMarkupParseContext* /*context*/, const char* text, gsize length, void* self,
                      GError** /*error*/) {
-    constexpr std::size_t kLongest = 1 << 16;
+    constexpr std::size_t kLongestText = 1 << 16;
     auto& reader = *static_cast<XspfReader*>(self);
-    if (reader.text.size() < kLongest) reader.text.append(text, length);
+    if (reader.text.size() < kLongestText) reader.text.append(text, length);
   }
   static void OnEnd(GMarkupParseContext* /*context*/, const char* name, void* self,
                     GError** error) {

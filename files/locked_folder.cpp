@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kKind = "preset"; // of temporary files
+constexpr std::string_view kPresetKind = "preset"; // of temporary files
 constexpr char kRemoved[] = "removed";
 constexpr std::size_t kFewFiles = 16; // up to here each is synced by itself
 constexpr auto kPatience = std::chrono::seconds(5);
@@ -80,7 +80,7 @@ bool LockedFolder::Lock() {
     std::this_thread::sleep_for(kPause);
   }
   // Files of writers that were killed while they held the lock. They reported no success.
-  TemporaryFile::Sweep(folder_.Get(), kKind);
+  TemporaryFile::Sweep(folder_.Get(), kPresetKind);
   return true;
 }
 
@@ -101,7 +101,8 @@ int LockedFolder::Stage(std::string_view bytes, std::size_t& staged) {
   staged = staged_.size();
   constexpr mode_t kUsual = 0666;
   TemporaryFile file;
-  if (const int failed = TemporaryFile::Create(folder_.Get(), kKind, kUsual, file)) return failed;
+  if (const int failed = TemporaryFile::Create(folder_.Get(), kPresetKind, kUsual, file))
+    return failed;
   if (const int failed = file.Write(std::as_bytes(std::span(bytes)))) return failed;
   const int failed = staged < kFewFiles ? file.Sync() : 0;
   // Closed, since there may be more of them than a process may hold open.

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kKind = "file";
+constexpr std::string_view kFileKind = "file";
 constexpr mode_t kPermissions = 07777;
 
 } // namespace
@@ -58,8 +58,8 @@ int PendingFile::OpenTemporary(mode_t mode, Leftovers leftovers) {
   struct stat former {};
   const bool exists = stat(target_.c_str(), &former) == 0;
   if (!exists && errno != ENOENT) return errno; // a name too long, say
-  if (leftovers == Leftovers::Remove) TemporaryFile::Sweep(folder_.Get(), kKind);
-  const int failed = TemporaryFile::Create(folder_.Get(), kKind, mode, temporary_);
+  if (leftovers == Leftovers::Remove) TemporaryFile::Sweep(folder_.Get(), kFileKind);
+  const int failed = TemporaryFile::Create(folder_.Get(), kFileKind, mode, temporary_);
   if (failed != 0 || !exists) return failed;
   return fchmod(temporary_.Descriptor(), former.st_mode & kPermissions) == 0 ? 0 : errno;
 }

@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kHead[] = "Halvenor Presets";
+constexpr char kPresetsHead[] = "Halvenor Presets";
 constexpr std::string_view kPresetGroup = "Preset ";
 
 std::optional<NamedLook> ReadPreset(GKeyFile* file, const char* group, std::string& problem) {
@@ -58,7 +58,7 @@ std::string NameForMessages(const fs::path& file) {
 } // namespace
 
 std::optional<std::vector<NamedLook>> ParsePresets(std::string_view text, std::string& problem) {
-  const GlibKeyFile file = ParseKeyFile(text, kHead, problem);
+  const GlibKeyFile file = ParseKeyFile(text, kPresetsHead, problem);
   if (!file) return std::nullopt;
   std::vector<NamedLook> presets;
   const GlibTexts groups(g_key_file_get_groups(file.get(), nullptr));
@@ -76,7 +76,7 @@ std::optional<std::vector<NamedLook>> ParsePresets(std::string_view text, std::s
 }
 
 std::string PrintPresets(std::span<const NamedLook> presets) {
-  const GlibKeyFile file = NewKeyFile(kHead);
+  const GlibKeyFile file = NewKeyFile(kPresetsHead);
   int number = 0;
   for (const NamedLook& preset : presets) {
     const std::string group = std::string(kPresetGroup) + std::to_string(++number);

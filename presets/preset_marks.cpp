@@ -7,7 +7,7 @@
 namespace halvenor {
 namespace {
 
-constexpr char kHead[] = "Halvenor Preset Marks";
+constexpr char kMarksHead[] = "Halvenor Preset Marks";
 
 struct MarkKey {
   PresetMark::Kind kind;
@@ -26,12 +26,12 @@ void Apply(const PresetMark& mark, PresetMarks& marks) {
 }
 
 std::optional<PresetMarks> ParsePresetMarks(std::string_view text, std::string& problem) {
-  const GlibKeyFile file = ParseKeyFile(text, kHead, problem);
+  const GlibKeyFile file = ParseKeyFile(text, kMarksHead, problem);
   if (!file) return std::nullopt;
   PresetMarks marks;
   for (const auto& [kind, key] : kMarkKeys) {
     gsize count = 0;
-    const GlibTexts ids(g_key_file_get_string_list(file.get(), kHead, key, &count, nullptr));
+    const GlibTexts ids(g_key_file_get_string_list(file.get(), kMarksHead, key, &count, nullptr));
     for (gsize i = 0; i < count; ++i)
       marks[kind].insert(ids.get()[i]);
   }
@@ -39,13 +39,13 @@ std::optional<PresetMarks> ParsePresetMarks(std::string_view text, std::string& 
 }
 
 std::string PrintPresetMarks(const PresetMarks& marks) {
-  const GlibKeyFile file = NewKeyFile(kHead);
+  const GlibKeyFile file = NewKeyFile(kMarksHead);
   for (const auto& [kind, key] : kMarkKeys) {
     std::vector<const char*> ids;
     if (const auto found = marks.find(kind); found != marks.end())
       for (const std::string& id : found->second)
         ids.push_back(id.c_str());
-    g_key_file_set_string_list(file.get(), kHead, key, ids.data(), ids.size());
+    g_key_file_set_string_list(file.get(), kMarksHead, key, ids.data(), ids.size());
   }
   return TextOf(file.get());
 }

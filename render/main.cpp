@@ -24,7 +24,6 @@ namespace halvenor::render {
 namespace {
 
 constexpr int kFailure = 1;
-constexpr int kSignalBase = 128;
 
 void Tell(const std::string& line) {
   std::fprintf(stderr, "halvenor-render: %s\n", Printable(line, kMessageCharacters).c_str());
@@ -192,7 +191,7 @@ int Main(int argc, const char* const* argv) {
   } catch (const std::bad_alloc&) {
     error = "there is not enough memory for frames of this size";
   }
-  if (const int signal = StopSignals::Arrived()) return kSignalBase + signal;
+  if (const int signal = StopSignals::Arrived()) return StopSignals::kStatusBase + signal;
   return Fail(kFailure, error);
 }
 
@@ -200,5 +199,10 @@ int Main(int argc, const char* const* argv) {
 } // namespace halvenor::render
 
 int main(int argc, char** argv) {
-  return halvenor::render::Main(argc, argv);
+  try {
+    return halvenor::render::Main(argc, argv);
+  } catch (const std::exception& problem) { // no thread, no memory
+    std::fprintf(stderr, "halvenor-render: %s\n", problem.what());
+    return halvenor::render::kFailure;
+  }
 }

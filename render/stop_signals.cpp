@@ -13,7 +13,6 @@ namespace halvenor::render {
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
-constexpr int kSignalBase = 128;
 constexpr long kPatience = 800'000'000; // nanoseconds
 
 std::atomic<int> arrived{0};
@@ -79,7 +78,7 @@ void StopSignals::Watch() {
         sem_clockwait(&happened, CLOCK_MONOTONIC, &deadline) == 0 || errno == EINTR ? 0 : errno;
   if (ended) return;
   TemporaryFile::RemoveAll();
-  _exit(kSignalBase + arrived);
+  _exit(kStatusBase + arrived);
 }
 
 int StopSignals::Arrived() {

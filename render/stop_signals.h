@@ -12,6 +12,9 @@ namespace halvenor::render {
 /// own.
 class StopSignals {
 public:
+  /// The exit status of a program that a signal ended is this plus the signal.
+  static constexpr int kStatusBase = 128;
+
   StopSignals();
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;

@@ -194,13 +194,13 @@ bool VideoOutput::Start(bool hasSound) {
 
 // Waits on the bus: an error there is the one thing that could keep the encoder from catching up.
 bool VideoOutput::WaitForRoom() {
-  constexpr GstClockTime kPatience = 2 * GST_MSECOND;
+  constexpr GstClockTime kEncoderPatience = 2 * GST_MSECOND;
   GstClockTime wait = 0;
   do {
     if (const Message message(gst_bus_timed_pop_filtered(bus_.get(), wait, GST_MESSAGE_ERROR));
         message)
       return Fail(message.get());
-    wait = kPatience;
+    wait = kEncoderPatience;
   } while (gst_app_src_get_current_level_buffers(GST_APP_SRC(frames_.get())) >= maxAhead_);
   return true;
 }

@@ -16,7 +16,7 @@ namespace halvenor {
 namespace {
 
 constexpr int kUsageFault = 2;
-constexpr int kPatienceMilliseconds = 10'000;
+constexpr int kReplyMilliseconds = 10'000;
 
 struct Client {
   Q_DECLARE_TR_FUNCTIONS(halvenor::ControlClient)
@@ -45,10 +45,10 @@ int SendControl(QStringList words) {
     return Fail(Client::tr("XDG_RUNTIME_DIR is not set, so the running program cannot be found"));
   QLocalSocket socket;
   socket.connectToServer(path);
-  if (!socket.waitForConnected(kPatienceMilliseconds))
+  if (!socket.waitForConnected(kReplyMilliseconds))
     return Fail(Client::tr("Halvenor is not running"));
   socket.write(WriteRequest(words));
-  const QDeadlineTimer patience(kPatienceMilliseconds);
+  const QDeadlineTimer patience(kReplyMilliseconds);
   while (!socket.canReadLine() &&
          socket.waitForReadyRead(static_cast<int>(patience.remainingTime())))
     ;

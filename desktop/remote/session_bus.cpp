@@ -5,7 +5,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kRetryMilliseconds = 5000;
+constexpr int kBusRetryMilliseconds = 5000;
 
 // Where there is no bus, the library would start one, or wait for a display.
 bool IsThere() {
@@ -30,7 +30,7 @@ SessionBus::~SessionBus() {
 }
 
 void SessionBus::Try() {
-  retry_.start(kRetryMilliseconds);
+  retry_.start(kBusRetryMilliseconds);
   if (!IsThere()) return;
   // A lost connection stays lost, so each try needs a new name.
   QDBusConnection connection =
@@ -49,7 +49,7 @@ void SessionBus::Try() {
 
 void SessionBus::OnDisconnected() {
   Forget();
-  retry_.start(kRetryMilliseconds);
+  retry_.start(kBusRetryMilliseconds);
   emit Lost();
 }
 

@@ -8,7 +8,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kShownMilliseconds = 30'000;
+constexpr int kCardMilliseconds = 30'000;
 constexpr int kColumns = 2;
 
 } // namespace
@@ -32,7 +32,7 @@ KeysCard::KeysCard() {
                     "<b>F1</b> to show it again."));
   layout->addWidget(rest, rows, 0, 1, 2 * kColumns);
   timer_.setSingleShot(true);
-  timer_.setInterval(kShownMilliseconds);
+  timer_.setInterval(kCardMilliseconds);
   connect(&timer_, &QTimer::timeout, this, [this] { emit Wanted(false); });
 }
 

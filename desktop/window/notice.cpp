@@ -5,7 +5,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kShownMilliseconds = 15'000;
+constexpr int kNoticeMilliseconds = 15'000;
 
 } // namespace
 
@@ -14,7 +14,7 @@ Notice::Notice() {
   setWordWrap(true);
   setMargin(6);
   timer_.setSingleShot(true);
-  timer_.setInterval(kShownMilliseconds);
+  timer_.setInterval(kNoticeMilliseconds);
   connect(&timer_, &QTimer::timeout, this, [this] { emit Wanted(false); });
 }
 

@@ -6,7 +6,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kSide = 128;
+constexpr int kFeedbackSide = 128;
 
 int BrightestComponent(const OffscreenPlugin& plugin) {
   int brightest = 0;
@@ -29,7 +29,7 @@ TEST(Feedback, TrailsDieToExactBlack) {
     settings.fade = c.fade;
     settings.zoom = c.zoom;
     settings.smoothing = 1;
-    OffscreenPlugin plugin(settings, kSide, kSide);
+    OffscreenPlugin plugin(settings, kFeedbackSide, kFeedbackSide);
     plugin.DeliverFlat(255, 255, 100);
     plugin.Step(20);
     EXPECT_GT(BrightestComponent(plugin), 60);

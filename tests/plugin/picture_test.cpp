@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kWidth = 640;
 constexpr int kHeight = 480;
-constexpr int kSide = 480;
+constexpr int kPictureSide = 480;
 
 // How far from the middle the band reaches, in halves of the picture, at full amplitude.
 double Reach(int magnitude) {
@@ -23,15 +23,16 @@ TEST(Picture, ShowsTheLeftChannelAboveAndTheRightBelowOrSideBySide) {
   Settings settings = PlainLook();
   for (const bool vertical : {false, true}) {
     settings.verticalLayout = vertical ? 1 : 0;
-    OffscreenPlugin plugin(settings, kSide, kSide);
+    OffscreenPlugin plugin(settings, kPictureSide, kPictureSide);
     plugin.Step(2);
-    EXPECT_EQ(plugin.LitPixels(0, 0, kSide, kSide), 0) << "silence";
+    EXPECT_EQ(plugin.LitPixels(0, 0, kPictureSide, kPictureSide), 0) << "silence";
     plugin.DeliverFlat(255, 64, 300); // settles at 253 and 62; the loudness passes the cap
     plugin.Step(3);
     for (const int place : {50, 240, 440}) {
       const auto lit = vertical ? plugin.LitColumns(place) : plugin.LitRows(place);
-      EXPECT_NEAR(lit[0], kSide / 2.0 * (1 - Reach(253)), kEdge) << vertical << ", " << place;
-      EXPECT_NEAR(lit[1], kSide / 2.0 * (1 + Reach(62)), kEdge) << vertical << ", " << place;
+      EXPECT_NEAR(lit[0], kPictureSide / 2.0 * (1 - Reach(253)), kEdge)
+          << vertical << ", " << place;
+      EXPECT_NEAR(lit[1], kPictureSide / 2.0 * (1 + Reach(62)), kEdge) << vertical << ", " << place;
     }
   }
 }

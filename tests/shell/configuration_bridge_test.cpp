@@ -75,14 +75,14 @@ const Action kActions[] = {
     Forwarded<configuration_entry::kLogSettings>(LogSettings, 'l'),
 };
 
-std::atomic<std::uint64_t> frames = 0;
+std::atomic<std::uint64_t> drawnFrames = 0;
 
 class ConfigurationBridge : public ShellTest {
 protected:
   void SetUp() override {
     ShellTest::SetUp();
     PutModule();
-    port_.frameFinished = [](void*, const HalvenorFrame*) { ++frames; };
+    port_.frameFinished = [](void*, const HalvenorFrame*) { ++drawnFrames; };
     // In one list with the lines, for the order.
     SetAlertSound([](int ticks) { DebugLog("alert %i", ticks); });
     host_.Init();
@@ -286,14 +286,14 @@ TEST_F(ConfigurationBridge, FramesAreDrawnOnlyWhileTheWindowIsRaised) {
   host_.Record()->settings.autopilot = 1;
   host_.Show(&port_);
   module.inside[configuration_entry::kOrderWindowFront] = [] {
-    for (const std::uint64_t first = frames; frames < first + 3;)
+    for (const std::uint64_t first = drawnFrames; drawnFrames < first + 3;)
       std::this_thread::yield();
     return status::kOk;
   };
   module.inside[configuration_entry::kInitialize] = [] {
-    const std::uint64_t before = frames;
+    const std::uint64_t before = drawnFrames;
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    EXPECT_EQ(frames, before);
+    EXPECT_EQ(drawnFrames, before);
     return status::kOk;
   };
   for (int i = 0; i < 20; ++i)

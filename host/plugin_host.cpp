@@ -173,19 +173,39 @@ Status PluginHost::Cleanup() {
 Status PluginHost::Show(GrafPtr port, const Rect& rect, std::uint32_t options) {
   VisualMessage record{};
   record.window = {port, rect, options};
+  UsePort(port);
   const Status result = Send(message::kShow, record);
   shown_ = result == status::kOk;
+  if (!shown_) port_ = nullptr;
   return result;
 }
 
 Status PluginHost::Hide() {
   shown_ = false;
+  port_ = nullptr;
   return SendBare(message::kHide);
+}
+
+void PluginHost::UsePort(GrafPtr port) {
+  port_ = port;
+  if (port_ != nullptr) ::SetFrameUse(port_, frameUse_);
+}
+
+void PluginHost::SetFrameUse(HalvenorFrameUse use) {
+  frameUse_ = use;
+  UsePort(port_);
+}
+
+clock::StepResult PluginHost::Step(std::uint64_t time, HalvenorFrameUse use) {
+  clock::WaitUntilParked(); // a frame that is still drawn is no part of this
+  SetFrameUse(use);
+  return clock::Step(time);
 }
 
 Status PluginHost::SetWindow(GrafPtr port, const Rect& rect, std::uint32_t options) {
   VisualMessage record{};
   record.window = {port, rect, options};
+  if (shown_) UsePort(port);
   return Send(message::kSetWindow, record);
 }
 

@@ -3,6 +3,8 @@
 
 #include "host/plugin_module.h"
 #include "host/preference_store.h"
+#include "platform/clock.h"
+#include "platform/ports.h"
 #include "protocol/records.h"
 
 #include <cstdint>
@@ -79,6 +81,10 @@ public:
   Status Show(GrafPtr port, const Rect& rect, std::uint32_t options);
   Status Hide();
   [[nodiscard]] bool IsShown() const { return shown_; }
+  /// What frames are for from now on, also of ports that are shown later.
+  void SetFrameUse(HalvenorFrameUse use);
+  /// On a stepped clock: has the plug-in draw its next frame at `time` (see clock.h), for `use`.
+  clock::StepResult Step(std::uint64_t time, HalvenorFrameUse use = kHalvenorFrameSeen);
   /// Port, rectangle or options have changed.
   Status SetWindow(GrafPtr port, const Rect& rect, std::uint32_t options);
 
@@ -110,6 +116,7 @@ private:
   Status SwitchFullScreen(HostMessage::Body& body);
   Status TakeFullScreenOptions(HostMessage::Body& body);
 
+  void UsePort(GrafPtr port);
   Status Send(FourCharCode code, VisualMessage& message);
   Status SendBare(FourCharCode code);
   Status SendTrack(FourCharCode code, TrackInfo* track, StreamInfo* stream);
@@ -121,6 +128,8 @@ private:
   void* refCon_ = nullptr;
   bool initialized_ = false;
   bool shown_ = false;
+  GrafPtr port_ = nullptr; ///< shown in, or about to be; else null
+  HalvenorFrameUse frameUse_ = kHalvenorFrameSeen;
 };
 
 } // namespace halvenor

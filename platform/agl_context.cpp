@@ -3,7 +3,9 @@
 #include "gl_calls/current_table.h"
 #include "platform/agl_errors.h"
 #include "platform/backend_choice.h"
+#include "platform/clock.h"
 
+#include <atomic>
 #include <utility>
 
 using namespace halvenor::agl;
@@ -39,7 +41,16 @@ GLenum HalvenorContext::MakeCurrentAnywhere() {
   if (before != nullptr && !(before->backend_->IsDriver() && backend_->IsDriver())) LetGo();
   if (!backend_->MakeCurrent()) return AGL_BAD_CONTEXT;
   thisThread = {this, backend_};
+  BeginFrame();
   return AGL_NO_ERROR;
+}
+
+void HalvenorContext::BeginFrame() {
+  frameBegan_ = halvenor::clock::Now();
+  if (port_ == nullptr) return;
+  frameUse_ = static_cast<HalvenorFrameUse>(std::atomic_ref(port_->frameUse).load());
+  if (frameUse_ == kHalvenorFrameTimely)
+    frameUse_ = pace_.HasTime(frameBegan_) ? kHalvenorFrameSeen : kHalvenorFrameTrailsOnly;
 }
 
 GLenum HalvenorContext::Realize() {
@@ -50,6 +61,8 @@ GLenum HalvenorContext::Realize() {
   backend_ = MakeBackend(system, error);
   if (backend_ == nullptr) return error;
   thisThread = {this, backend_};
+  frameBegan_ = halvenor::clock::Now();
+  frameUse_ = kHalvenorFrameSeen;
   backend_->SetArea(BufferSize());
   return AGL_NO_ERROR;
 }
@@ -145,6 +158,9 @@ GLenum HalvenorContext::UseBuffer() {
 }
 
 void HalvenorContext::Rebind() const {
+  const bool isForPort = port_ != nullptr;
+  backend_->SetDraws(isForPort ? frameUse_ == kHalvenorFrameSeen
+                               : frameUse_ != kHalvenorFrameUndrawn);
   backend_->Bind(port_ != nullptr ? buffer_.get() : pbuffer_);
 }
 
@@ -165,8 +181,16 @@ GLenum HalvenorContext::Update() {
 
 GLenum HalvenorContext::Swap() {
   if (Current() != this) return AGL_BAD_CONTEXT;
+  if (port_ == nullptr) return AGL_NO_ERROR;
+  const bool isSeen = frameUse_ == kHalvenorFrameSeen;
+  const GLenum error = isSeen ? Present() : GLenum{AGL_NO_ERROR};
+  pace_.Add(frameBegan_, halvenor::clock::Now(), isSeen);
+  return error;
+}
+
+GLenum HalvenorContext::Present() {
   // That there is nothing to show it in was reported when the port was attached.
-  if (port_ == nullptr || !backend_->HasPort()) return AGL_NO_ERROR;
+  if (!backend_->HasPort()) return AGL_NO_ERROR;
   // A buffer that could not be made was reported, too, and leaves no picture to show.
   if (buffer_ == nullptr && !BufferSize().IsEmpty()) return AGL_NO_ERROR;
   Picture picture{buffer_.get(), 0, 0, bounds_, surfaceScale_};

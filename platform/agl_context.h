@@ -3,7 +3,9 @@
 
 #include "platform/agl.h"
 #include "platform/backend.h"
+#include "platform/picture_pace.h"
 
+#include <cstdint>
 #include <memory>
 
 struct HalvenorPixelFormat {
@@ -13,6 +15,9 @@ struct HalvenorPixelFormat {
 /// What the plug-in takes for a drawable's back buffer is a buffer of the buffer rectangle's size,
 /// which the backend shows in the port. A pbuffer takes the port's place until a port is attached
 /// again. While nothing is attached, or the port's buffer cannot be made, drawing goes nowhere.
+///
+/// A frame begins where the context becomes current, unless it is new, and ends where the port is
+/// swapped or the context let go of. What the port says of it counts when it begins.
 ///
 /// Members return the error that the C functions leave pending. Threads: see agl.h.
 struct HalvenorContext {
@@ -50,6 +55,8 @@ public:
 private:
   GLenum Realize();
   GLenum MakeCurrentAnywhere();
+  void BeginFrame();
+  GLenum Present();
   GLenum UsePort();
   GLenum UseBuffer();
   void ReadBounds();
@@ -70,6 +77,9 @@ private:
 
   std::shared_ptr<halvenor::agl::Backend> backend_; ///< null before the first use
   bool triedPort_ = false;                          ///< the backend was told of `lastPort_`
+  HalvenorFrameUse frameUse_ = kHalvenorFrameSeen;  ///< of this frame; never `Timely`
+  std::uint64_t frameBegan_ = 0;
+  halvenor::agl::PicturePace pace_;
   std::unique_ptr<halvenor::agl::Buffer> buffer_;
   halvenor::agl::Size triedSize_; ///< the size for which `buffer_` was made, or could not be
 };

@@ -1,6 +1,18 @@
 #include "platform/backend.h"
 
+#include "gl_calls/current_table.h"
+
 namespace halvenor::agl {
+
+void Backend::SetDraws(bool draws) {
+  if (draws == draws_) return;
+  draws_ = draws;
+  UseCalls();
+}
+
+void Backend::UseCalls() const {
+  gl_calls::Use(draws_ ? &Calls() : &CallsWithoutDrawing());
+}
 
 bool Backend::UsePort(const HalvenorPort& port) {
   DropPort();

@@ -1,6 +1,7 @@
 // Who draws for a context: an OpenGL driver, or this program on the processor.
 #pragma once
 
+#include "gl_calls/gl_table.h"
 #include "platform/buffer.h"
 #include "platform/glyph_bitmaps.h"
 #include "platform/presenter.h"
@@ -35,6 +36,9 @@ public:
 
   [[nodiscard]] virtual bool IsDriver() const = 0;
 
+  /// Whether the plug-in's calls draw, as at the start; otherwise they do all but that.
+  void SetDraws(bool draws);
+
   /// The viewport of a new context: all of a port of this size.
   virtual void SetArea(Size size) = 0;
 
@@ -64,8 +68,13 @@ public:
 protected:
   [[nodiscard]] WindowSystem& System() const { return *system_; }
   [[nodiscard]] const Presenter* PortPresenter() const { return presenter_.get(); }
+  /// Sends the calling thread's calls here.
+  void UseCalls() const;
 
 private:
+  /// What the plug-in's calls go to, and the same without drawing; for ever.
+  [[nodiscard]] virtual const gl_calls::Table& Calls() const = 0;
+  [[nodiscard]] virtual const gl_calls::Table& CallsWithoutDrawing() const = 0;
   virtual std::unique_ptr<Presenter> MakePresenter(const HalvenorPort& port) = 0;
   /// Makes the new presenter's surface the one that is drawn with.
   virtual bool UseSurface() { return true; }
@@ -75,6 +84,7 @@ private:
 
   std::shared_ptr<WindowSystem> system_;
   std::unique_ptr<Presenter> presenter_;
+  bool draws_ = true;
 };
 
 } // namespace halvenor::agl

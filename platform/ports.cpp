@@ -24,6 +24,10 @@ Rect* GetPortBounds(GrafPtr port, Rect* bounds) {
   return bounds;
 }
 
+void SetFrameUse(GrafPtr port, HalvenorFrameUse use) {
+  std::atomic_ref(port->frameUse).store(use);
+}
+
 void SetFrontWindow(WindowRef window) {
   frontWindow = window;
 }

@@ -1,11 +1,10 @@
 // What a host offers to a plug-in: drawing ports, the areas to draw in; its front window; an alert;
 // notices.
 //
-// A port is a plain record that the host fills and keeps alive, unchanged but for its sizes, from
-// 'show' until 'hide' has returned. The sizes change on the host's thread only, before the 'swin'
-// that tells of it; they are read only while the host's thread attaches the port or follows a
-// change
-// (`aglUpdateContext`), never in a frame.
+// A port is a plain record that the host fills and keeps alive, unchanged but for its sizes and
+// what `SetFrameUse` says, from 'show' until 'hide' has returned. The sizes change on the host's
+// thread only, before the 'swin' that tells of it; they are read only while the host's thread
+// attaches the port or follows a change (`aglUpdateContext`), never in a frame.
 #pragma once
 
 #include "platform/export.h"
@@ -44,6 +43,20 @@ typedef struct HalvenorFrame {
 /// copy and return. Never send a message from here and never wait for the host's thread.
 typedef void (*HalvenorFrameProc)(void* refCon, const HalvenorFrame* frame);
 
+/// What becomes of a frame. All that a plug-in does besides drawing is the same with each, as are
+/// the errors of OpenGL for what is no drawing, and textures, programs and lists that are made.
+typedef enum HalvenorFrameUse {
+  kHalvenorFrameSeen = 0, ///< it is shown
+  /// It is shown where frames come in time; late ones are `kHalvenorFrameTrailsOnly`, up to three
+  /// in a row, until at least 50 a second are drawn.
+  kHalvenorFrameTimely = 1,
+  /// Nobody will see it: what is drawn for the port is dropped, and offscreen buffers, which later
+  /// frames may show, are drawn as always.
+  kHalvenorFrameTrailsOnly = 2,
+  /// Nothing is drawn at all; offscreen buffers keep what they hold.
+  kHalvenorFrameUndrawn = 3,
+} HalvenorFrameUse;
+
 typedef struct HalvenorPort {
   HalvenorPortKind kind;
   Rect bounds; ///< device pixels; top and left are 0 for a port that is a whole window
@@ -74,6 +87,9 @@ typedef struct HalvenorPort {
   /// frame is drawn. Null: frames come in this layer's memory.
   uint8_t* destination;
   ptrdiff_t destinationStride;
+
+  /// A `HalvenorFrameUse`, which only `SetFrameUse` changes once the port is shown.
+  int32_t frameUse;
 } HalvenorPort;
 
 typedef HalvenorPort* GrafPtr;
@@ -81,6 +97,10 @@ typedef HalvenorPort* GrafPtr;
 /// Writes the bounds of `port` to `bounds` and returns `bounds`. A null port has an empty
 /// rectangle. Any thread that may use the port.
 HALVENOR_PLATFORM Rect* GetPortBounds(GrafPtr port, Rect* bounds);
+
+/// Says what frames are for that begin in `port` from now on. The first one after 'show' is seen
+/// whatever this says. Any thread.
+HALVENOR_PLATFORM void SetFrameUse(GrafPtr port, HalvenorFrameUse use);
 
 /// A window of the host, opaque to the plug-in: the number that the window system or the host's
 /// toolkit gives it. To be compared, never to be followed.

@@ -1,6 +1,6 @@
 #include "platform/cpu/cpu_backend.h"
 
-#include "gl_calls/current_table.h"
+#include "gl_calls/without_drawing.h"
 #include "platform/agl.h"
 #include "platform/agl_errors.h"
 #include "platform/cpu/memory_picture.h"
@@ -74,8 +74,17 @@ bool CpuBackend::MakeCurrent() {
     if (isTaken_.exchange(true)) return false;
     raster::Context::MakeCurrent(&context_);
   }
-  gl_calls::Use(&raster::Context::Functions());
+  UseCalls();
   return true;
+}
+
+const gl_calls::Table& CpuBackend::Calls() const {
+  return raster::Context::Functions();
+}
+
+const gl_calls::Table& CpuBackend::CallsWithoutDrawing() const {
+  static const gl_calls::Table calls = gl_calls::WithoutDrawing(Calls());
+  return calls;
 }
 
 void CpuBackend::LetGo() {

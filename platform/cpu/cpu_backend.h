@@ -28,6 +28,8 @@ public:
   void CompileLists(GLuint base, const std::vector<Glyph>& glyphs) override;
 
 private:
+  [[nodiscard]] const gl_calls::Table& Calls() const override;
+  [[nodiscard]] const gl_calls::Table& CallsWithoutDrawing() const override;
   std::unique_ptr<Presenter> MakePresenter(const HalvenorPort& port) override;
   Picture Scale(const Picture& picture, Size output) override;
 

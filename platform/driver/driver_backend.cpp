@@ -1,6 +1,6 @@
 #include "platform/driver/driver_backend.h"
 
-#include "gl_calls/current_table.h"
+#include "gl_calls/without_drawing.h"
 #include "platform/agl_errors.h"
 #include "platform/driver/driver_library.h"
 #include "platform/driver/foreign_context.h"
@@ -88,8 +88,17 @@ bool DriverBackend::Bind(EGLSurface surface) {
   }
   thisThread.display = display_.Handle();
   thisThread.handle = handle_;
-  gl_calls::Use(&DriverCalls());
+  UseCalls();
   return true;
+}
+
+const gl_calls::Table& DriverBackend::Calls() const {
+  return DriverCalls();
+}
+
+const gl_calls::Table& DriverBackend::CallsWithoutDrawing() const {
+  static const gl_calls::Table calls = gl_calls::WithoutDrawing(DriverCalls());
+  return calls;
 }
 
 bool DriverBackend::MakeCurrent() {

@@ -39,6 +39,8 @@ private:
 
   bool Create();
   bool Bind(EGLSurface surface);
+  [[nodiscard]] const gl_calls::Table& Calls() const override;
+  [[nodiscard]] const gl_calls::Table& CallsWithoutDrawing() const override;
   std::unique_ptr<Presenter> MakePresenter(const HalvenorPort& port) override;
   bool UseSurface() override;
   Picture Scale(const Picture& picture, Size output) override {

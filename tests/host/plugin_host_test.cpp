@@ -224,6 +224,23 @@ TEST_F(PluginHostTest, EndsWhatHasBegun) {
   EXPECT_THAT(received_, ElementsAre(message::kShow, message::kCleanup, message::kCleanup));
 }
 
+TEST_F(PluginHostTest, WhatFramesAreForGoesToThePortThatIsShown) {
+  HalvenorPort ports[3] = {};
+  const auto uses = [&ports] {
+    return std::vector<int>{ports[0].frameUse, ports[1].frameUse, ports[2].frameUse};
+  };
+  const auto host = MakeActiveHost();
+  host->SetFrameUse(kHalvenorFrameUndrawn);
+  host->SetWindow(&ports[2], {}, 0); // is not shown
+  host->Show(&ports[0], {}, 0);
+  EXPECT_THAT(uses(), ElementsAre(kHalvenorFrameUndrawn, 0, 0));
+  host->SetWindow(&ports[1], {}, 0);
+  host->Step(1, kHalvenorFrameTrailsOnly);
+  host->Hide();
+  host->SetFrameUse(kHalvenorFrameTimely);
+  EXPECT_THAT(uses(), ElementsAre(kHalvenorFrameUndrawn, kHalvenorFrameTrailsOnly, 0));
+}
+
 TEST_F(PluginHostTest, AnActivationNeedsAPluginThatSetItselfUp) {
   const struct {
     Status answer;

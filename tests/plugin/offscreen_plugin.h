@@ -3,6 +3,7 @@
 
 #include "host/install_paths.h"
 #include "host/log_capture.h"
+#include "host/track_records.h"
 #include "platform/clock.h"
 #include "protocol/settings.h"
 #include "tests/support/plain_host.h"
@@ -76,6 +77,10 @@ public:
     clock::WaitUntilParked();
   }
   void Press(char key) { EXPECT_TRUE(host_->Key(key, false)) << key; }
+  void Play(const std::string& title) {
+    TrackRecords records = MakeTrackRecords(title, "");
+    EXPECT_EQ(host_->Play(records.Track(), records.Stream()), status::kOk);
+  }
   void SetRect(const Rect& rect) { EXPECT_EQ(host_->SetWindow(&port_, rect, 0), status::kOk); }
 
   /// Delivers `times` records with every bin of a channel at one magnitude.
@@ -95,6 +100,15 @@ public:
       EXPECT_EQ(clock::Step(clock::Now() + interval), clock::StepResult::Frame);
       EXPECT_EQ(frames_, before + 1);
     }
+  }
+
+  /// Frames of which there is no picture.
+  void StepUnseen(HalvenorFrameUse use, int frames = 1) {
+    const int before = frames_;
+    for (int i = 0; i < frames; ++i)
+      EXPECT_EQ(host_->Step(clock::Now() + kInterval, use), clock::StepResult::Frame);
+    EXPECT_EQ(frames_, before);
+    host_->SetFrameUse(kHalvenorFrameSeen);
   }
 
   /// Whether the pixel (from the top left) shows anything, in the last frame.
@@ -120,6 +134,8 @@ public:
   }
 
 private:
+  static constexpr std::uint64_t kInterval = 1000000000 / 60;
+
   template <typename Test>
   static std::array<int, 2> Lit(int end, const Test& isLit) {
     std::array<int, 2> ends = {-1, -1};

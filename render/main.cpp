@@ -75,8 +75,8 @@ private:
   std::unique_ptr<Deliveries> deliveries_;
   std::unique_ptr<OffscreenShow> show_;
   std::optional<Progress> progress_;
-  std::uint64_t frame_ = 0;
-  std::size_t key_ = 0; ///< the next to be pressed
+  std::uint64_t frame_ = 0; ///< the next to be drawn
+  std::size_t key_ = 0;     ///< the next to be pressed
 };
 
 bool Run::Open(int frames) {
@@ -117,9 +117,13 @@ void Run::PressKeysUntil(std::uint64_t time) {
 // Draws the frames before `end`, which all show the record just delivered.
 bool Run::DrawUntil(std::uint64_t end) {
   for (; StopSignals::Arrived() == 0; ++frame_) {
-    const std::uint64_t time = TimeOfFrame(frame_, options_.frameRate);
+    const std::uint64_t time = TimeOfFrame(frame_, DrawRate(options_));
     if (time >= end) return true;
     PressKeysUntil(time);
+    if (frame_ % static_cast<std::uint64_t>(options_.drawsPerFrame) != 0) {
+      if (!show_->DrawTrails(time, error_)) return false;
+      continue;
+    }
     const std::span<std::uint8_t> picture = output_->NextFrame();
     if (!picture.empty() && !show_->Draw(time, picture, error_)) return false;
     if (picture.empty() || !output_->FinishFrame()) {

@@ -71,7 +71,7 @@ bool OffscreenShow::Start(const Options& options, std::string& error) {
   }
   LoadSettings(options);
 
-  clock::UseStepped(kOrigin - TimeOfFrame(1, options.frameRate));
+  clock::UseStepped(kOrigin - TimeOfFrame(1, DrawRate(options)));
   if (const Status result = plugin_->Init(); !plugin_->IsInitialized()) {
     error = "the plug-in cannot start (status " + std::to_string(result) + ")" + Because();
     return false;
@@ -138,9 +138,16 @@ void OffscreenShow::Press(char key) {
 bool OffscreenShow::Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error) {
   picture_ = picture;
   taken_ = false;
-  const clock::StepResult result = clock::Step(kOrigin + time);
+  const clock::StepResult result = plugin_->Step(kOrigin + time);
   picture_ = {};
   if (result == clock::StepResult::Frame && taken_) return true;
+  error = "the plug-in has stopped drawing" + Because();
+  return false;
+}
+
+bool OffscreenShow::DrawTrails(std::uint64_t time, std::string& error) {
+  if (plugin_->Step(kOrigin + time, kHalvenorFrameTrailsOnly) == clock::StepResult::Frame)
+    return true;
   error = "the plug-in has stopped drawing" + Because();
   return false;
 }

@@ -22,6 +22,7 @@ constexpr int kMaxSide = 32767;     // a rectangle's coordinates are 16 bits wid
 constexpr double kMaxSeconds = 1e9; // about 30 years
 constexpr double kMaxFramesPerSecond = 1000;
 constexpr double kMinFramesPerSecond = 0.01;
+constexpr std::int64_t kFewestDrawn = 50; // a second
 constexpr int kUsageError = 2;
 
 /// A number that is the whole of `text`.
@@ -48,8 +49,8 @@ Problem ParseSize(const std::string& text, Options& options) {
   return std::nullopt;
 }
 
-// "60", "30000/1001" or "29.97".
-Problem ParseFrameRate(const std::string& text, Options& options) {
+// "60", "30000/1001" or "29.97"; `option` is what says so.
+Problem ParseFrameRate(const std::string& option, const std::string& text, FrameRate& rate) {
   const std::string_view view(text);
   const std::size_t slash = view.find('/');
   std::optional<std::int32_t> numerator = ParseNumber<std::int32_t>(view.substr(0, slash));
@@ -65,12 +66,30 @@ Problem ParseFrameRate(const std::string& text, Options& options) {
     }
   }
   if (!numerator || !denominator || *numerator <= 0 || *denominator <= 0)
-    return "--fps: '" + text + "' is not a number of frames a second such as 60 or 30000/1001";
-  const double rate = static_cast<double>(*numerator) / *denominator;
-  if (rate < kMinFramesPerSecond || rate > kMaxFramesPerSecond)
-    return "--fps: must lie between 0.01 and 1000";
+    return option + ": '" + text + "' is not a number of frames a second such as 60 or 30000/1001";
+  const double perSecond = static_cast<double>(*numerator) / *denominator;
+  if (perSecond < kMinFramesPerSecond || perSecond > kMaxFramesPerSecond)
+    return option + ": must lie between 0.01 and 1000";
   const std::int32_t common = std::gcd(*numerator, *denominator);
-  options.frameRate = {*numerator / common, *denominator / common};
+  rate = {*numerator / common, *denominator / common};
+  return std::nullopt;
+}
+
+// Without `text` as few frames as make trails look as they do in the window.
+Problem ChooseDrawRate(const std::optional<std::string>& text, Options& options) {
+  const FrameRate shown = options.frameRate;
+  if (!text) {
+    const std::int64_t wanted = kFewestDrawn * shown.denominator;
+    options.drawsPerFrame = (wanted + shown.numerator - 1) / shown.numerator;
+    return std::nullopt;
+  }
+  FrameRate drawn{};
+  if (Problem problem = ParseFrameRate("--draw-rate", *text, drawn)) return problem;
+  const std::int64_t most = drawn.numerator * shown.denominator;
+  const std::int64_t one = shown.numerator * drawn.denominator;
+  if (most % one != 0)
+    return "--draw-rate: " + *text + " is no multiple of the frames a second that are kept (--fps)";
+  options.drawsPerFrame = most / one;
   return std::nullopt;
 }
 
@@ -180,6 +199,7 @@ std::string SettingNames() {
 std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Options& options) {
   std::optional<std::string> size;
   std::optional<std::string> frameRate;
+  std::optional<std::string> drawRate;
   std::vector<std::string> assignments;
   std::vector<std::string> keys;
   bool always = false;
@@ -194,6 +214,10 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
       ->type_name("FILE");
   app.add_option("--size", size, "Width and height in pixels [1280x720]")->type_name("WxH");
   app.add_option("--fps", frameRate, "Frames a second, also 30000/1001 [60]")->type_name("N");
+  app.add_option("--draw-rate", drawRate,
+                 "Frames drawn a second, which decide how trails look: a multiple of --fps; of "
+                 "every so many the first is kept [the smallest multiple that is at least 50]")
+      ->type_name("N");
   app.add_option("--start", options.startSeconds, "Begin at S seconds of the sound")
       ->type_name("S");
   app.add_option("--duration", options.durationSeconds, "Show S seconds")->type_name("S");
@@ -254,7 +278,8 @@ std::optional<EarlyEnd> ReadCommandLine(int argc, const char* const* argv, Optio
   else if (options.output.empty() && options.dumpFile.empty())
     problem = "nothing to do: give --output or --dump-records (see --help)";
   if (!problem && size) problem = ParseSize(*size, options);
-  if (!problem && frameRate) problem = ParseFrameRate(*frameRate, options);
+  if (!problem && frameRate) problem = ParseFrameRate("--fps", *frameRate, options.frameRate);
+  if (!problem) problem = ChooseDrawRate(drawRate, options);
   if (!problem) problem = CheckTimes(options);
   if (!problem && !options.output.empty()) problem = FindOutputKind(options);
   if (!problem) problem = ParseAssignments(assignments, options);

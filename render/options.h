@@ -35,6 +35,7 @@ struct Options {
   int width = 1280;
   int height = 720;
   FrameRate frameRate{60, 1};
+  std::int64_t drawsPerFrame = 1; ///< only the first of as many drawn frames is kept
   double startSeconds = 0;
   std::optional<double> durationSeconds;
   std::optional<std::string> preset; ///< a name, FILE or FILE#NAME
@@ -50,6 +51,11 @@ struct Options {
   ProgressKind progress = ProgressKind::Automatic;
   bool verbose = false; ///< shows everything that the plug-in logs, not only errors
 };
+
+/// Frames drawn a second.
+inline FrameRate DrawRate(const Options& options) {
+  return Times(options.frameRate, options.drawsPerFrame);
+}
 
 /// Why a program ends before it has begun.
 struct EarlyEnd {

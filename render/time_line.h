@@ -7,11 +7,16 @@
 
 namespace halvenor::render {
 
-/// Frames a second as a fraction in lowest terms; both parts are above zero.
+/// Frames a second as a fraction; both parts are above zero.
 struct FrameRate {
   std::int64_t numerator;
   std::int64_t denominator;
 };
+
+/// `times` as many frames a second, in whatever terms.
+constexpr FrameRate Times(FrameRate rate, std::int64_t times) {
+  return {rate.numerator * times, rate.denominator};
+}
 
 inline constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 inline constexpr std::uint64_t kNanosecondsPerRecord = kDeliveryMilliseconds * 1'000'000ull;

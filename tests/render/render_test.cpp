@@ -108,24 +108,34 @@ TEST_F(RenderTest, FramesAndRecordsComeAtTheirTimes) {
   const struct {
     const char* fps;
     render::FrameRate rate;
+    const char* drawRate; // "": chosen by the program
+    std::int64_t drawsPerFrame;
     const char* start;
     const char* duration;
     std::size_t frames;
     std::uint64_t firstRecord;
   } cases[] = {
-      {"60", {60, 1}, "0", "0.5", 30, 0},
-      {"30000/1001", {30000, 1001}, "0", "0.5", 15, 0},
-      {"29.97", {2997, 100}, "0.25", "0.5", 15, 5},
-      {"7", {7, 1}, "0", "100", 7, 0}, // to the end of the records
-      {"200", {200, 1}, "0.97", "100", 10, 19},
-      {"0.5", {1, 2}, "0", "1", 1, 0},
+      {"60", {60, 1}, "", 1, "0", "0.5", 30, 0},
+      {"30000/1001", {30000, 1001}, "", 2, "0", "0.5", 15, 0},
+      {"24000/1001", {24000, 1001}, "", 3, "0", "0.5", 12, 0},
+      {"25", {25, 1}, "", 2, "0", "0.5", 13, 0},
+      {"25", {25, 1}, "25", 1, "0", "0.5", 13, 0},
+      {"25", {25, 1}, "100", 4, "0", "0.5", 13, 0},
+      {"29.97", {2997, 100}, "59.94", 2, "0.25", "0.5", 15, 5},
+      {"7", {7, 1}, "", 8, "0", "100", 7, 0}, // to the end of the records
+      {"200", {200, 1}, "", 1, "0.97", "100", 10, 19},
+      {"0.5", {1, 2}, "", 100, "0", "1", 1, 0},
   };
-  for (const auto& [fps, rate, start, duration, frames, firstRecord] : cases) {
-    const RunResult result = Succeed(kFake + Arguments{"--records", "r", "--fps", fps, "--start",
-                                                       start, "--duration", duration, "-o", "-"});
+  for (const auto& [fps, rate, drawRate, drawsPerFrame, start, duration, frames, firstRecord] :
+       cases) {
+    Arguments arguments{"--records", "r",          "--fps",  fps,  "--start",
+                        start,       "--duration", duration, "-o", "-"};
+    if (*drawRate != '\0') arguments = arguments + Arguments{"--draw-rate", drawRate};
+    const RunResult result = Succeed(kFake + arguments);
     const std::vector<Testimony> seen = Testimonies(result.output);
     ASSERT_EQ(seen.size(), frames) << fps;
-    EXPECT_EQ(seen[0].time - seen[0].shownAt, TimeOfFrame(1, rate));
+    EXPECT_EQ(seen[0].time - seen[0].shownAt, TimeOfFrame(1, render::Times(rate, drawsPerFrame)))
+        << fps;
     for (std::size_t i = 0; i < frames; ++i) {
       const std::uint64_t time = seen[i].time - seen[0].time;
       EXPECT_EQ(time, TimeOfFrame(i, rate)) << fps;
@@ -135,6 +145,31 @@ TEST_F(RenderTest, FramesAndRecordsComeAtTheirTimes) {
     }
   }
   EXPECT_EQ(TimeOfFrame(30000ull * 3600, {30000, 1001}), 3603'600'000'000'000ull) << "it drifts";
+}
+
+// Of the real plug-in: as in the window, trails do not depend on how many frames are kept.
+TEST_F(RenderTest, SlowVideosShowThePicturesOfFastOnes) {
+  constexpr std::size_t kFrame = 128 * 96 * 4;
+  program_.Folder().Write("s.flac", "flacenc", {.seconds = 1, .wave = Sine(440, 0.5)});
+  const auto draw = [&](const Arguments& rates) {
+    return Succeed(Arguments{"--size", "128x96", "--quiet", "--gl", "cpu", "--set", "autopilot=on",
+                             "--set", "showFrameRate=on", "--keys", "0.31:h", "s.flac", "-o", "-"} +
+                   rates)
+        .output;
+  };
+  const auto every = [](std::size_t n, const std::string& frames) {
+    std::string kept;
+    for (std::size_t at = 0; at < frames.size(); at += n * kFrame)
+      kept += frames.substr(at, kFrame);
+    return kept;
+  };
+  const std::string fast = draw({});
+  EXPECT_EQ(fast.size(), 60 * kFrame);
+  EXPECT_TRUE(draw({"--fps", "30"}) == every(2, fast));
+  EXPECT_TRUE(draw({"--fps", "20"}) == every(3, fast));
+  EXPECT_TRUE(draw({"--fps", "20", "--draw-rate", "120"}) ==
+              every(2, draw({"--fps", "40", "--draw-rate", "120"})));
+  EXPECT_FALSE(draw({"--fps", "30", "--draw-rate", "30"}) == every(2, fast));
 }
 
 TEST_F(RenderTest, ThePluginIsToldWhatItShows) {
@@ -176,7 +211,8 @@ TEST_F(RenderTest, KeysArePressedInTimeBeforeTheFrame) {
     if (line.starts_with("[vrnd]")) order += "record ";
     if (line.starts_with("[vevt]")) order += line.substr(7) + " ";
   }
-  EXPECT_THAT(order, StartsWith("record 97 record record 104 58 record 159 98 record "));
+  // 60 frames a second are drawn.
+  EXPECT_THAT(order, StartsWith("record 97 record 104 58 record record 159 98 record "));
 }
 
 std::string PngPixels(const std::string& path) {

@@ -1,22 +1,20 @@
-#!/ usr / bin / env bash
-#Renders the pictures of the factory presets.See-- help.
-set - euo pipefail
+#!/usr/bin/env bash
+# Renders the pictures of the factory presets. See --help.
+set -euo pipefail
 
-          here = $(dirname "$(readlink -f " $ { BASH_SOURCE[0] } ")")
+here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 
-    usage() {
-  cat << 'END' usage : presets / factory / render -
-             pictures.sh BUILD[PRESET...]
+usage() {
+  cat << 'END'
+usage: presets/factory/render-pictures.sh BUILD [PRESET...]
 
-             Renders the small picture of every factory preset,
-      or of the PRESETs named(ID or ID.preset),
-      with the halvenor - render and
-          the demo tune of the build folder BUILD.All are made by the same command,
-      from the same seconds of the tune : PRESET.png beside PRESET.preset, 240 by 135 pixels,
-      without any text in it.Then puts all of them with their names on one sheet,
-      docs / pictures /
-          presets.png(needs ImageMagick and the DejaVu fonts).They are kept in the repository;
-  run this after a preset or the picture has changed.END
+Renders the small picture of every factory preset, or of the PRESETs named (ID or ID.preset), with
+the halvenor-render and the demo tune of the build folder BUILD. All are made by the same command,
+from the same seconds of the tune: PRESET.png beside PRESET.preset, 240 by 135 pixels, without any
+text in it. Then puts all of them with their names on one sheet, docs/pictures/presets.png (needs
+ImageMagick and the DejaVu fonts). They are kept in the repository; run this after a preset or the
+picture has changed.
+END
 }
 
 case ${1-} in

@@ -70,38 +70,6 @@ TEST_F(BlurARBTest, ProgramsAreReplacedAndTheirErrorsReported) {
   glDeleteProgramsARB(1, &program);
 }
 
-TEST_F(BlurARBTest, LoadsFourProgramsAndBindsThemByPhase) {
-  for (const char* name : {"passThrough.vp", "blur.vp"})
-    Write(name, "!!ARBvp1.0\nEND\n");
-  for (const char* name : {"darken_ARB.fp", "blur_ARB.fp"})
-    Write(name, "!!ARBfp1.0\nEND\n");
-  {
-    BlurARB blur;
-    EXPECT_EQ(stand_ins::LivePrograms(), 4);
-    // Loaded in the order pass-through, darken, blur vertex, blur fragment: names 1 to 4.
-    stand_ins::ClearCalls();
-    blur.StartBlurGeneration();
-    blur.SetOffset(0.006F, 0.0F);
-    blur.EndBlurGeneration();
-    blur.StartBlurDrawing();
-    blur.EndBlurDrawing();
-    EXPECT_EQ(
-        stand_ins::CallTexts(),
-        stand_ins::Listed("glEnable(GL_VERTEX_PROGRAM_ARB); glEnable(GL_FRAGMENT_PROGRAM_ARB); "
-                          "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 3); "
-                          "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 4); "
-                          "glProgramLocalParameter4fARB(GL_VERTEX_PROGRAM_ARB, 0, 0.006, 0, 0, 0); "
-                          "glDisable(GL_VERTEX_PROGRAM_ARB); glDisable(GL_FRAGMENT_PROGRAM_ARB); "
-                          "glEnable(GL_VERTEX_PROGRAM_ARB); glEnable(GL_FRAGMENT_PROGRAM_ARB); "
-                          "glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 1); "
-                          "glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 2); "
-                          "glDisable(GL_FRAGMENT_PROGRAM_ARB); glDisable(GL_VERTEX_PROGRAM_ARB)"));
-    stand_ins::ClearCalls();
-  }
-  EXPECT_EQ(stand_ins::CallTexts().size(), 4U); // deletions
-  EXPECT_THAT(log_.Take(), IsEmpty());
-}
-
 TEST_F(BlurARBTest, NeedsBothExtensionsByTheirWholeNames) {
   stand_ins::SetExtensions("GL_ARB_vertex_program GL_ARB_fragment_program");
   EXPECT_TRUE(BlurARB::Supported());

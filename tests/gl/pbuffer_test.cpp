@@ -26,30 +26,6 @@ TEST_F(PBufferTest, DoesNothingBeforeItIsCreated) {
   EXPECT_THAT(stand_ins::CallTexts(), IsEmpty());
 }
 
-TEST_F(PBufferTest, MakesBothBuffersTransparentBlack) {
-  buffer_.Create(context_);
-  const auto made = [](const std::string& n) {
-    return "aglCreatePBuffer(512, 512, GL_TEXTURE_2D, GL_RGBA, 0); glGenTextures(1, pointer); "
-           "glBindTexture(GL_TEXTURE_2D, " +
-           n + "); aglTexImagePBuffer(context 1, pbuffer " + n +
-           ", GL_FRONT); "
-           "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR); "
-           "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR); "
-           "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE); "
-           "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); "
-           "aglGetVirtualScreen(context 1); aglSetPBuffer(context 1, pbuffer " +
-           n +
-           ", 0, 0, 0); glClearColor(0, 0, 0, 0); glClear(GL_COLOR_BUFFER_BIT); "
-           "aglSwapBuffers(context 1); ";
-  };
-  EXPECT_EQ(stand_ins::CallTexts(),
-            stand_ins::Listed(
-                made("1") + made("2") +
-                "glEnable(GL_TEXTURE_2D); "
-                "glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST); glGetError(); aglGetError()"));
-  EXPECT_THAT(log_.Take(), IsEmpty());
-}
-
 TEST_F(PBufferTest, AlternatesBetweenTheBuffers) {
   buffer_.Create(context_);
   for (int opening = 0; opening < 2; ++opening) {

@@ -250,6 +250,31 @@ TEST_F(RenderTest, PicturesShowTheRawFrames) {
   }
 }
 
+// Whole frames of the plug-in beside pictures that somebody has looked at. The processor draws the
+// same everywhere, but for the last bit of the C library's functions.
+TEST_F(RenderTest, LooksAreTheOnesThatWereSeen) {
+  for (const std::string name : {"acid-lagoon", "blue-hour-rails", "carousel-ghost", "copper-loom",
+                                 "night-ferry", "winter-signal"}) {
+    const std::string file = name + ".png";
+    Succeed({"--gl", "cpu", "--quiet", "--preset", name, "--set", "numFrequencyLabels=0", "--set",
+             "trackTextDuration=0", "--size", "160x90", "--start", "41", "--duration", "1", "-o",
+             file, HALVENOR_DEMO_TUNE});
+    const std::string drawn = PngPixels(program_.Path(file));
+    const std::string seen = PngPixels(PICTURES "/" + file);
+    ASSERT_EQ(drawn.size(), seen.size());
+    int worst = 0;
+    for (std::size_t i = 0; i < seen.size(); ++i)
+      worst = std::max(worst, std::abs(static_cast<std::uint8_t>(drawn[i]) -
+                                       static_cast<std::uint8_t>(seen[i])));
+    if (worst <= 2) continue;
+    const std::string left = testing::TempDir() + file;
+    std::filesystem::copy_file(program_.Path(file), left,
+                               std::filesystem::copy_options::overwrite_existing);
+    ADD_FAILURE() << name << " differs by " << worst << ": look at " << left << ", and put it into "
+                  << PICTURES << " if it is as it should be";
+  }
+}
+
 TEST_F(RenderTest, RunsRepeatToTheByte) {
   program_.Folder().Write("s.flac", "flacenc",
                           {.seconds = 0.4, .wave = [](double time, int channel) {

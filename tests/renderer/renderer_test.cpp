@@ -65,24 +65,6 @@ TEST_F(RendererTest, AFrameIsComposedInOrder) {
   EXPECT_EQ(Frame(), next);
 }
 
-TEST_F(RendererTest, TheGlowIsMadeAfterTheLinesAndAddedBeforeTheTexts) {
-  ASSERT_TRUE(Open());
-  data_->settings.smoothing = 0;
-  std::string order;
-  const std::pair<std::string_view, const char*> marks[] = {
-      {"quad", "quad "},
-      {"lines", "lines "},
-      {"glBindProgramARB(GL_VERTEX", "program "},
-      {"glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR)", "add "},
-      {"aglSetDrawable(context 2, port 1)", "window "},
-      {"glColor4f(1, 1, 1, 0.3)", "texts "}};
-  for (const std::string& call : Frame())
-    for (const auto& [start, mark] : marks)
-      if (call.starts_with(start)) order += mark;
-  EXPECT_EQ(order, "quad lines add program quad quad quad quad window quad program add quad quad "
-                   "texts ");
-}
-
 TEST_F(RendererTest, TheFeedbackImageZoomsWithTimeAndSound) {
   ASSERT_TRUE(Open());
   data_->settings.glow = 0;

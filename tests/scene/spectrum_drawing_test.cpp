@@ -55,28 +55,6 @@ protected:
   std::unique_ptr<Spectrum> spectrum_ = std::make_unique<Spectrum>();
 };
 
-TEST_F(SpectrumDrawing, PassesAreMirroredAndStretched) {
-  data_->settings.frequencyScale = 0;
-  data_->settings.numLines = 2;
-  Render();
-  // Passes at s = 0.125 and 0.375; amplitude 0.7, so alpha is 0.2 x intensity x sqrt(0.7).
-  const auto texts = stand_ins::CallTexts();
-  EXPECT_EQ(
-      std::vector(texts.begin(), texts.begin() + 12),
-      stand_ins::Listed("glDisable(GL_TEXTURE_2D); glInterleavedArrays(GL_V2F, 8, pointer); "
-                        "glColor4f(0.464015, 0.720633, 0.887317, 0.0564259); glLoadIdentity(); "
-                        "glTranslatef(0, 0.0875, 0); glScalef(1, 0.247487, 1); "
-                        "glDrawArrays(GL_LINE_STRIP, 0, 150); glLoadIdentity(); "
-                        "glTranslatef(0, -0.0875, 0); glScalef(1, -0.247487, 1); "
-                        "glDrawArrays(GL_LINE_STRIP, 512, 150); "
-                        "glColor4f(0.783054, 0.696747, 0.524779, 0.0564259)"));
-  EXPECT_EQ(texts[texts.size() - 2], "glEnable(GL_TEXTURE_2D)");
-  EXPECT_EQ(texts.back(), "glLoadIdentity()");
-  EXPECT_EQ(CallsOf("glDrawArrays").size(), 4U);
-  EXPECT_EQ(CallsOf("glInterleavedArrays")[0].arguments[2],
-            static_cast<double>(reinterpret_cast<std::uintptr_t>(spectrum_->Vertices().data())));
-}
-
 TEST_F(SpectrumDrawing, TheBandEndsWhereTheOutermostLineWouldLie) {
   data_->smoothedSpectrum[0][20] = 128;
   data_->smoothedSpectrum[1][20] = 64;

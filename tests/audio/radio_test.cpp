@@ -1,13 +1,11 @@
 #include "audio/media_player.h"
-#include "tests/support/servers.h"
-#include "tests/support/sound_files.h"
+#include "tests/support/radio_server.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <thread>
 
 namespace halvenor {
@@ -22,16 +20,6 @@ using testing::HasSubstr;
 
 class RadioTest : public testing::Test, protected MediaPlayer::Listener {
 protected:
-  void SetUp() override {
-    const std::string sound = folder.Write(
-        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 12, Sine(1000)});
-    server = std::make_unique<ServerProcess>(
-        std::vector<std::string>{"python3", HALVENOR_RADIO, sound, "16000", folder.Path("port")},
-        -1);
-    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(folder.Path("port")); }));
-    std::ifstream(folder.Path("port")) >> port;
-  }
-
   void Started(const MediaTags& tags) override {
     told.push_back("started " + tags.title);
     startedAt = player.Position();
@@ -48,7 +36,7 @@ protected:
   void Reconnecting(const std::string& reason) override { told.push_back("lost " + reason); }
 
   void Open(const std::string& ways) {
-    address = "http://127.0.0.1:" + port + "/" + ways;
+    address = radio.Address(ways);
     player.Open(address);
   }
   bool Until(const std::function<bool()>& done) {
@@ -60,9 +48,8 @@ protected:
     return done();
   }
 
-  SoundFolder folder;
-  std::unique_ptr<ServerProcess> server;
-  std::string port, address;
+  RadioServer radio;
+  std::string address;
   std::vector<std::string> told, titles;
   int loud = 0;
   double startedAt = 0; // seconds
@@ -106,7 +93,7 @@ TEST_F(RadioTest, WhatNeverPlayedFailsWithAWord) {
     ASSERT_TRUE(Until([&] { return !told.empty(); })) << ways;
     EXPECT_THAT(told, ElementsAre("failed " + address + ": " + word));
   }
-  server->Kill();
+  radio.Kill();
   told.clear();
   Open("good");
   ASSERT_TRUE(Until([&] { return !told.empty(); }));

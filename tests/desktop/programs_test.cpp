@@ -1,7 +1,7 @@
 // The desktop program among others: D-Bus, the control socket, the sound server, the network.
 #include "tests/desktop/other_player.h"
 #include "tests/support/display_session.h"
-#include "tests/support/sound_files.h"
+#include "tests/support/radio_server.h"
 #include "tests/support/sound_servers.h"
 
 #include <QtCore/QCoreApplication>
@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -168,16 +167,11 @@ TEST_F(ProgramsTest, PlaysAnAlbumAsAPlayerOfTheSession) {
 }
 
 TEST_F(ProgramsTest, PlaysRadioAndSaysWhatCannotBePlayed) {
-  const std::string tone = files.Write("tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true",
-                                       {.wave = Sine(1000)});
-  const std::string portFile = files.Path("port");
-  const ServerProcess radio({"python3", HALVENOR_RADIO, tone, "16000", portFile}, -1);
-  std::string port;
-  ASSERT_TRUE(Eventually([&] { return bool(std::ifstream(portFile) >> port); }));
+  const RadioServer radio;
   const std::unique_ptr<Program> program = Start({"--demo"});
   ASSERT_TRUE(Eventually([&] { return program->HasStart("[vrnd]"); }));
-  const QString address = QString::fromStdString("http://127.0.0.1:" + port + "/");
-  EXPECT_EQ(Control({"open", address + "stall,good.pls"}).status, 0); // a list, to be fetched
+  EXPECT_EQ(Control({"open", QString::fromStdString(radio.Address("stall,good.pls"))}).status,
+            0); // a list, to be fetched
   EXPECT_TRUE(Eventually([&] { return program->HasStart("[vply] Loopback FM -  | "); }));
   EXPECT_TRUE(Eventually([&] { // with the first sound or right after it
     return program->Has("[ctrk] Loopback FM -  | Someone - Song 0") ||

@@ -1,15 +1,11 @@
 // The queue on the network: what stalls is said, and what does not come is given up.
 #include "audio/sound_server.h"
 #include "desktop/playback/queue_playback.h"
-#include "tests/support/servers.h"
-#include "tests/support/sound_files.h"
+#include "tests/support/radio_server.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace halvenor {
 namespace {
@@ -19,16 +15,9 @@ protected:
   void SetUp() override {
     setenv("PULSE_SERVER", "unix:/nowhere", 1); // NOLINT(concurrency-mt-unsafe)
     player->Media().SetMuted(true);
-    const std::string sound = folder.Write(
-        "tone.mp3", "lamemp3enc target=bitrate bitrate=128 cbr=true", {44100, 2, 12, Sine(1000)});
-    radio = std::make_unique<ServerProcess>(
-        std::vector<std::string>{"python3", HALVENOR_RADIO, sound, "16000", folder.Path("port")},
-        -1);
-    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(folder.Path("port")); }));
-    std::ifstream(folder.Path("port")) >> port;
   }
   QStringList Address(const std::string& way) const {
-    return {QString::fromStdString("http://127.0.0.1:" + port + "/" + way)};
+    return {QString::fromStdString(radio.Address(way))};
   }
   bool Until(const std::function<bool()>& done) {
     const QDeadlineTimer patience(30'000);
@@ -40,9 +29,7 @@ protected:
     return done();
   }
 
-  SoundFolder folder;
-  std::unique_ptr<ServerProcess> radio;
-  std::string port;
+  RadioServer radio;
   SoundServer server;
   std::unique_ptr<QueuePlayback> player = std::make_unique<QueuePlayback>(server);
 };
@@ -72,7 +59,7 @@ TEST_F(QueuePlaybackTest, GivesUpWhatDoesNotCome) {
   player->Open(Address("drip.pls"));
   Until([patience = QDeadlineTimer(1000)] { return patience.hasExpired(); });
   const QDeadlineTimer patience(5000);
-  player->Open({QString::fromStdString(folder.Path("tone.mp3"))});
+  player->Open({QString::fromStdString(radio.Sound())});
   ASSERT_TRUE(Until([&] { return !player->IsOpening(); }));
   player->Open(Address("drip.pls"));
   player.reset();

@@ -13,7 +13,6 @@ constexpr int kPenY = 20; ///< from the bottom
 class FontTest : public GlTest {
 protected:
   void SetUp() override {
-    GlTest::SetUp();
     ASSERT_TRUE(aglSetCurrentContext(context.context));
     GetFNum(reinterpret_cast<const unsigned char*>("\011Helvetica"), &family);
     ASSERT_GT(family, 0) << "no font is installed";

@@ -8,10 +8,7 @@ namespace {
 
 class OffscreenTest : public GlTest {
 protected:
-  void SetUp() override {
-    GlTest::SetUp();
-    ASSERT_TRUE(aglSetCurrentContext(context.context));
-  }
+  void SetUp() override { ASSERT_TRUE(aglSetCurrentContext(context.context)); }
   void Place(int x, int y, int width, int height) const {
     context.SetRect(x, y, width, height);
     ASSERT_TRUE(aglUpdateContext(context.context));

@@ -15,10 +15,7 @@ constexpr int kSide = 16;
 
 class PBufferTest : public GlTest {
 protected:
-  void SetUp() override {
-    GlTest::SetUp();
-    ASSERT_TRUE(aglSetCurrentContext(context.context));
-  }
+  void SetUp() override { ASSERT_TRUE(aglSetCurrentContext(context.context)); }
 
   void DrawInto(const ShownPBuffer& buffer) const {
     EXPECT_TRUE(aglSetPBuffer(context.context, buffer.pbuffer, 0, 0, 0));

@@ -162,10 +162,7 @@ struct WaylandHost {
 template <class Host>
 class WindowTest : public GlTest {
 protected:
-  void SetUp() override {
-    GlTest::SetUp();
-    ASSERT_TRUE(host.IsThere()) << "no server started";
-  }
+  void SetUp() override { ASSERT_TRUE(host.IsThere()) << "no server started"; }
 
   void DrawAndExpect(const TestContext& context, int x, int y, int width, int height) {
     std::string fault;
@@ -203,7 +200,7 @@ protected:
       ASSERT_TRUE(aglUpdateContext(context.context));
       DrawAndExpect(context, 0, 0, width, height);
     }
-    EXPECT_EQ(log.size(), 0U) << log.front();
+    EXPECT_EQ(log.Take(), std::vector<std::string>());
   }
 
   void ExpectNothingLeftBehind() {
@@ -263,7 +260,7 @@ TEST_F(X11Test, AWindowMayVanishWhileItIsDrawnTo) {
   const TestContext late(&port);
   EXPECT_FALSE(aglSetCurrentContext(late.context));
   EXPECT_EQ(aglGetError(), GLenum{AGL_BAD_DRAWABLE});
-  EXPECT_LE(log.size(), 3U) << "one line per problem, not per frame";
+  EXPECT_LE(log.Take().size(), 3U) << "one line per problem, not per frame";
   XSetErrorHandler(nullptr);
 }
 

@@ -4,7 +4,7 @@
 
 #include "gl_calls/gl.h"
 #include "platform/agl.h"
-#include "platform/debug_log.h"
+#include "tests/support/log_lines.h"
 
 #include <gtest/gtest.h>
 
@@ -30,19 +30,9 @@ inline constexpr Pixel kWhite = {255, 255, 255};
 /// Fails a case that leaves a GL or AGL error pending; collects the debug log.
 class GlTest : public testing::Test {
 protected:
-  void SetUp() override {
-    debug_log::SetReceiver(
-        [](void* self, std::string_view line) {
-          static_cast<GlTest*>(self)->log.emplace_back(line);
-        },
-        this);
-  }
-  void TearDown() override {
-    EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_NO_ERROR));
-    debug_log::SetReceiver(nullptr, nullptr);
-  }
+  void TearDown() override { EXPECT_EQ(aglGetError(), static_cast<GLenum>(AGL_NO_ERROR)); }
 
-  std::vector<std::string> log;
+  LogLines log;
 };
 
 inline std::string ErrorText(GLenum code) {

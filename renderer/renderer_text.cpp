@@ -2,6 +2,7 @@
 #include "gl_calls/gl.h"
 #include "renderer/renderer.h"
 #include "renderer/surface/font_system.h"
+#include "scene/c_numbers.h"
 
 #include <cstdio>
 #include <string>
@@ -32,6 +33,7 @@ const char* OnOff(std::int32_t flag) {
 
 void FormatSettings(const Settings& settings, char (&text)[kPanelTextSize]) {
   const auto& [inner, outer] = std::pair(settings.innerColor, settings.outerColor);
+  const CNumbers plain;
   std::snprintf(text, sizeof text, kSettingsFormat, double{settings.numLines},
                 double{settings.intensity}, double{settings.fade}, double{settings.zoom},
                 double{settings.zoomRotation}, double{inner.red}, double{inner.green},
@@ -99,6 +101,7 @@ void Renderer::DrawPanel(const Settings& settings, const TextUnits& units) const
 
 void Renderer::DrawFrameRate(const TextUnits& units) const {
   char text[32];
+  const CNumbers plain;
   std::snprintf(text, sizeof text, "%.1f fps", static_cast<double>(fps));
   glColor4f(1.0F, 1.0F, 1.0F, 0.5F);
   FontSystem::DrawCString(text, 1.0F - 8.0F * units.cw, units.lh * 0.5F - 1.0F);

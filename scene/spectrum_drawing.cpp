@@ -1,6 +1,7 @@
 #include "gl_calls/gl.h"
 #include "platform/carbon.h"
 #include "renderer/surface/font_system.h"
+#include "scene/c_numbers.h"
 #include "scene/numeric.h"
 #include "scene/spectrum.h"
 
@@ -145,6 +146,7 @@ void Spectrum::DrawText() const {
   const bool vertical = pluginData->settings.verticalLayout != 0;
   const int bins = ActiveBins();
   const float span = frequencyToScreen(bins);
+  const CNumbers plain;
   const auto topHertz = static_cast<float>(bins * kHertzPerBin);
 
   float p = 0.03F;

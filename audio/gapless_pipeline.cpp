@@ -1,5 +1,7 @@
 #include "audio/gapless_pipeline.h"
 
+#include "files/translated.h"
+
 #include <algorithm>
 #include <atomic>
 #include <map>
@@ -67,7 +69,7 @@ std::unique_ptr<GaplessPipeline> GaplessPipeline::Make(Worker& worker, const Med
   parts->bus.reset(gst_element_get_bus(parts->pipeline.get()));
   std::unique_ptr<GaplessPipeline> made(new GaplessPipeline(worker, std::move(parts)));
   if (made->Join(medium)) return made;
-  error = "GStreamer is not complete: no element \"uridecodebin\"";
+  error = Filled(Translated("halvenor::Audio", "GStreamer is not complete: %1"), {"uridecodebin"});
   return nullptr;
 }
 

@@ -2,6 +2,7 @@
 
 #include "audio/local_files.h"
 #include "files/printable.h"
+#include "files/translated.h"
 
 #include <gst/pbutils/missing-plugins.h>
 
@@ -26,25 +27,27 @@ std::string OneLine(const std::string& text) {
   return Printable(text, kMessageCharacters);
 }
 
-/// Why the file cannot be a medium; null when it can.
-const char* Obstacle(const fs::path& path) {
+/// Why the file cannot be a medium; empty when it can.
+std::string Obstacle(const fs::path& path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) return "no such file";
-  if (fs::is_directory(status)) return "is a folder";
-  if (access(path.c_str(), R_OK) != 0) return "cannot be read: permission denied";
-  if (fs::is_regular_file(status) && fs::file_size(path, error) == 0) return "is empty";
-  return nullptr;
+  if (!fs::exists(status)) return Translated("halvenor::Audio", "no such file");
+  if (fs::is_directory(status)) return Translated("halvenor::Audio", "is a folder");
+  if (access(path.c_str(), R_OK) != 0)
+    return Translated("halvenor::Audio", "cannot be read: permission denied");
+  if (fs::is_regular_file(status) && fs::file_size(path, error) == 0)
+    return Translated("halvenor::Audio", "is empty");
+  return {};
 }
 
 std::optional<Medium> FindFile(const std::string& name, const fs::path& path, std::string& error) {
-  if (const char* obstacle = Obstacle(path)) {
+  if (const std::string obstacle = Obstacle(path); !obstacle.empty()) {
     error = About(name, obstacle);
     return std::nullopt;
   }
   const Text uri(gst_filename_to_uri(path.c_str(), nullptr));
   if (!uri) {
-    error = About(name, "has a name that GStreamer cannot open");
+    error = About(name, Translated("halvenor::Audio", "has a name that GStreamer cannot open"));
     return std::nullopt;
   }
   local_files::Allow(uri.get());
@@ -56,7 +59,8 @@ std::optional<Medium> FindFile(const std::string& name, const fs::path& path, st
 Element Owned(GstElement* made, GError* reason, std::string& error) {
   const OwnedError owned(reason);
   if (made == nullptr) {
-    error = OneLine(std::string("GStreamer is not complete: ") + reason->message);
+    error = OneLine(
+        Filled(Translated("halvenor::Audio", "GStreamer is not complete: %1"), {reason->message}));
     return nullptr;
   }
   gst_object_ref_sink(made);
@@ -73,7 +77,8 @@ bool Start(std::string& error) {
     return true;
   }
   const OwnedError owned(reason);
-  error = OneLine(std::string("GStreamer cannot be started: ") + (owned ? owned->message : ""));
+  error = OneLine(Filled(Translated("halvenor::Audio", "GStreamer cannot be started: %1"),
+                         {owned ? owned->message : ""}));
   return false;
 }
 
@@ -110,35 +115,47 @@ std::string Explain(GstMessage* message) {
   const GQuark resource = gst_resource_error_quark();
   const GQuark stream = gst_stream_error_quark();
   const std::array meanings{
-      Meaning{resource, GST_RESOURCE_ERROR_NOT_FOUND, "cannot be found"},
-      Meaning{resource, GST_RESOURCE_ERROR_NOT_AUTHORIZED, "cannot be read: permission denied"},
-      Meaning{resource, GST_RESOURCE_ERROR_SEEK, "does not support seeking"},
-      Meaning{resource, GST_RESOURCE_ERROR_READ, "cannot be read to its end"},
-      Meaning{gst_core_error_quark(), GST_CORE_ERROR_MISSING_PLUGIN, "contains no sound"},
-      Meaning{stream, GST_STREAM_ERROR_FAILED, "cannot be read"},
-      Meaning{stream, GST_STREAM_ERROR_TYPE_NOT_FOUND, "isn't a supported audio file"},
-      Meaning{stream, GST_STREAM_ERROR_WRONG_TYPE, "isn't a supported audio file"},
-      Meaning{stream, GST_STREAM_ERROR_CODEC_NOT_FOUND, "needs a decoder that is not installed"},
-      Meaning{stream, GST_STREAM_ERROR_DECODE, "is damaged"},
-      Meaning{stream, GST_STREAM_ERROR_DEMUX, "is damaged"},
-      Meaning{stream, GST_STREAM_ERROR_DECRYPT, "is encrypted"},
-      Meaning{stream, GST_STREAM_ERROR_DECRYPT_NOKEY, "is encrypted"},
+      Meaning{resource, GST_RESOURCE_ERROR_NOT_FOUND,
+              HALVENOR_TEXT("halvenor::Audio", "cannot be found")},
+      Meaning{resource, GST_RESOURCE_ERROR_NOT_AUTHORIZED,
+              HALVENOR_TEXT("halvenor::Audio", "cannot be read: permission denied")},
+      Meaning{resource, GST_RESOURCE_ERROR_SEEK,
+              HALVENOR_TEXT("halvenor::Audio", "does not support seeking")},
+      Meaning{resource, GST_RESOURCE_ERROR_READ,
+              HALVENOR_TEXT("halvenor::Audio", "cannot be read to its end")},
+      Meaning{gst_core_error_quark(), GST_CORE_ERROR_MISSING_PLUGIN,
+              HALVENOR_TEXT("halvenor::Audio", "contains no sound")},
+      Meaning{stream, GST_STREAM_ERROR_FAILED, HALVENOR_TEXT("halvenor::Audio", "cannot be read")},
+      Meaning{stream, GST_STREAM_ERROR_TYPE_NOT_FOUND,
+              HALVENOR_TEXT("halvenor::Audio", "isn't a supported audio file")},
+      Meaning{stream, GST_STREAM_ERROR_WRONG_TYPE,
+              HALVENOR_TEXT("halvenor::Audio", "isn't a supported audio file")},
+      Meaning{stream, GST_STREAM_ERROR_CODEC_NOT_FOUND,
+              HALVENOR_TEXT("halvenor::Audio", "needs a decoder that is not installed")},
+      Meaning{stream, GST_STREAM_ERROR_DECODE, HALVENOR_TEXT("halvenor::Audio", "is damaged")},
+      Meaning{stream, GST_STREAM_ERROR_DEMUX, HALVENOR_TEXT("halvenor::Audio", "is damaged")},
+      Meaning{stream, GST_STREAM_ERROR_DECRYPT, HALVENOR_TEXT("halvenor::Audio", "is encrypted")},
+      Meaning{stream, GST_STREAM_ERROR_DECRYPT_NOKEY,
+              HALVENOR_TEXT("halvenor::Audio", "is encrypted")},
   };
-  if (local_files::TakeRefused()) return "names a file of this computer, which is not opened";
+  if (local_files::TakeRefused())
+    return Translated("halvenor::Audio", "names a file of this computer, which is not opened");
   const GstStructure* details = nullptr;
   gst_message_parse_error_details(message, &details);
   unsigned status = 0;
   if (details != nullptr && gst_structure_get_uint(details, "http-status-code", &status) != FALSE &&
       status >= kFirstHttpError)
-    return (status == kHttpNotFound || status == kHttpGone ? "cannot be found (HTTP "
-                                                           : "is refused by its server (HTTP ") +
-           std::to_string(status) + ")";
+    return Filled(status == kHttpNotFound || status == kHttpGone
+                      ? Translated("halvenor::Audio", "cannot be found (HTTP %1)")
+                      : Translated("halvenor::Audio", "is refused by its server (HTTP %1)"),
+                  {std::to_string(status)});
 
   GError* reason = nullptr;
   gst_message_parse_error(message, &reason, nullptr);
   const OwnedError owned(reason);
   for (const Meaning& meaning : meanings)
-    if (g_error_matches(reason, meaning.domain, meaning.code) != FALSE) return meaning.text;
+    if (g_error_matches(reason, meaning.domain, meaning.code) != FALSE)
+      return Translated("halvenor::Audio", meaning.text);
   return OneLine(reason->message);
 }
 
@@ -152,7 +169,9 @@ bool IsSeekRefused(GstMessage* message) {
 bool ExplainMissingDecoder(GstMessage* message, std::string& text) {
   if (gst_is_missing_plugin_message(message) == FALSE) return false;
   const Text wanted(gst_missing_plugin_message_get_description(message));
-  text = OneLine(std::string("needs a part of GStreamer that is not installed: ") + wanted.get());
+  text = OneLine(
+      Filled(Translated("halvenor::Audio", "needs a part of GStreamer that is not installed: %1"),
+             {wanted.get()}));
   return true;
 }
 

@@ -1,5 +1,7 @@
 #include "audio/playback.h"
 
+#include "files/translated.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -282,7 +284,8 @@ void Playback::HandleError(GstMessage* message) {
   }
   std::string text = missingDecoder_.empty() ? Explain(message) : missingDecoder_;
   if (IsSeekRefused(message)) seekable_ = false;
-  if (pipeline_->MediaType(track_.number) == "text/html") text = "is a web page, not sound";
+  if (pipeline_->MediaType(track_.number) == "text/html")
+    text = Translated("halvenor::Audio", "is a web page, not sound");
   if (startTold_ != StartTold::Never && track_.IsNetwork()) {
     Lose(text);
   } else {
@@ -322,7 +325,7 @@ void Playback::HandleEnd() {
   const bool early =
       track_.IsNetwork() && track_.length && position_ + kAboutToEnd < *track_.length;
   if (IsRadio() || early) {
-    Lose("the stream has ended");
+    Lose(Translated("halvenor::Audio", "the stream has ended"));
     return;
   }
   TellMissingSound();
@@ -419,9 +422,9 @@ void Playback::WatchStream() {
   // Nothing needs to come while there is enough to play, or all of it.
   if (now - std::max({begun_, lastTold_, pipeline_->LastBytes()}) < kStall) return;
   if (startTold_ != StartTold::Never) {
-    Lose("nothing came for 10 seconds");
+    Lose(Translated("halvenor::Audio", "nothing came for 10 seconds"));
   } else {
-    Fail(About(name_, "does not answer"));
+    Fail(About(name_, Translated("halvenor::Audio", "does not answer")));
   }
 }
 

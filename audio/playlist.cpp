@@ -4,6 +4,7 @@
 #include "audio/playlist_formats.h"
 #include "audio/sound_kinds.h"
 #include "files/printable.h"
+#include "files/translated.h"
 
 #include <glib.h>
 
@@ -116,12 +117,16 @@ void Reader::Complain(const std::string& name, const std::string& what) {
 
 Playlist Reader::TakeResult() {
   if (left_ > 0)
-    result_.problems.push_back("and " + std::to_string(left_) + " more problems of the kind");
+    result_.problems.push_back(
+        Filled(Translated("halvenor::Playlist", "Further problems of this kind: %1"),
+               {std::to_string(left_)}));
   if (missing_ >= kMostMissing)
-    result_.problems.push_back("Too many missing files; stopped checking");
+    result_.problems.push_back(
+        Translated("halvenor::Playlist", "Too many missing files; stopped checking"));
   if (full_)
-    result_.problems.push_back("only the first " + std::to_string(kMostPlaylistEntries) +
-                               " entries were taken");
+    result_.problems.push_back(
+        Filled(Translated("halvenor::Playlist", "only the first %1 entries were taken"),
+               {std::to_string(kMostPlaylistEntries)}));
   return std::move(result_);
 }
 
@@ -140,7 +145,7 @@ void Reader::ReadFolder(const fs::path& folder) {
       files.emplace_back(NaturalKey(name), at->path());
     }
   }
-  if (error) Complain(folder, "cannot be read");
+  if (error) Complain(folder, Translated("halvenor::Playlist", "cannot be read"));
   std::ranges::sort(files);
   std::ranges::sort(folders);
   for (const auto& [key, file] : files)
@@ -166,7 +171,8 @@ void Reader::ReadEntry(const fs::path& list, const PlaylistEntry& entry, int dep
     return;
   }
   if (++missing_ < kMostMissing)
-    Complain(list, "an entry is not there: " + Printable(entry.medium));
+    Complain(list, Filled(Translated("halvenor::Playlist", "an entry is not there: %1"),
+                          {Printable(entry.medium)}));
 }
 
 void Reader::ReadList(const fs::path& file, PlaylistFormat format, const std::string& bytes,
@@ -199,15 +205,15 @@ void Reader::Read(const std::string& medium, const std::string& title, int depth
 
   const std::optional<PlaylistFormat> format = FindPlaylistFormat(path, IsPlaylistName(medium));
   if (!format && IsPlaylistName(medium)) {
-    Complain(path, "is not a playlist");
+    Complain(path, Translated("halvenor::Playlist", "is not a playlist"));
   } else if (!format) {
     Add(medium, title);
   } else if (depth > kDeepest) {
-    Complain(path, "lies in too many other lists");
+    Complain(path, Translated("halvenor::Playlist", "lies in too many other lists"));
   } else if (!opened_.insert(canonical).second) {
-    Complain(path, "names itself, or is named twice");
+    Complain(path, Translated("halvenor::Playlist", "names itself, or is named twice"));
   } else if (fs::file_size(path, error) > kLargestList) {
-    Complain(path, "is too large for a playlist");
+    Complain(path, Translated("halvenor::Playlist", "is too large for a playlist"));
   } else {
     std::ifstream stream(path, std::ios::binary);
     std::string bytes(fs::file_size(path, error), '\0');
@@ -234,7 +240,8 @@ void Reader::ReadFetched(const std::string& address, const std::string& bytes) {
                                                  G_URI_FLAGS_PARSE_RELAXED, nullptr));
         if (medium && IsMediaAddress(medium.get())) return Add(medium.get(), entry.title);
         if (++missing_ < kMostMissing)
-          Complain(address, "an entry is no address: " + Printable(entry.medium));
+          Complain(address, Filled(Translated("halvenor::Playlist", "an entry is no address: %1"),
+                                   {Printable(entry.medium)}));
         return missing_ < kMostMissing;
       },
       problem);

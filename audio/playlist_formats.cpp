@@ -2,6 +2,7 @@
 
 #include "audio/gst_media.h"
 #include "files/printable.h"
+#include "files/translated.h"
 
 #include <glib.h>
 
@@ -178,7 +179,7 @@ bool ParsePlaylist(PlaylistFormat format, const std::string& bytes, const Receiv
   std::string_view text = bytes;
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   if (text.find('\0') != std::string_view::npos) {
-    problem = "is not a playlist";
+    problem = Translated("halvenor::Playlist", "is not a playlist");
     return false;
   }
   switch (format) {
@@ -190,7 +191,7 @@ bool ParsePlaylist(PlaylistFormat format, const std::string& bytes, const Receiv
     return true;
   case PlaylistFormat::Xspf:
     if (ParseXspf(text, receiver)) return true;
-    problem = "is damaged";
+    problem = Translated("halvenor::Playlist", "is damaged");
     return false;
   }
   return false;

@@ -2,6 +2,7 @@
 
 #include "audio/gst_media.h"
 #include "files/file_bytes.h"
+#include "files/translated.h"
 
 #include <algorithm>
 #include <array>
@@ -126,11 +127,15 @@ std::optional<MissingSound> FindMissingSound(double promised, double decoded) {
 }
 
 std::string DescribeMissingSound(const std::string& name, const MissingSound& missing) {
-  std::array<char, 120> text{};
-  std::snprintf(text.data(), text.size(),
-                "%.2f of its %.2f seconds of sound are missing or damaged", missing.missing,
-                missing.promised);
-  return gst_media::About(name, text.data());
+  const auto number = [](double seconds) {
+    std::array<char, 400> text{};
+    std::snprintf(text.data(), text.size(), "%.2f", seconds);
+    return std::string(text.data());
+  };
+  return gst_media::About(
+      name,
+      Filled(Translated("halvenor::Audio", "%1 of its %2 seconds of sound are missing or damaged"),
+             {number(missing.missing), number(missing.promised)}));
 }
 
 std::optional<double> PromisedByHeader(const std::filesystem::path& file) {

@@ -1,5 +1,7 @@
 #include "files/file_bytes.h"
 
+#include "files/translated.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -28,13 +30,14 @@ std::string OpenedFile::Reason() const {
   case 0:
     return "";
   case EISDIR:
-    return "is a folder";
+    return Translated("halvenor::Files", "is a folder");
   case ELOOP:
-    return "is a link";
+    return Translated("halvenor::Files", "is a link");
   case EINVAL:
-    return "is not a regular file";
+    return Translated("halvenor::Files", "is not a regular file");
   case EFBIG:
-    return "is larger than " + std::to_string(limit >> 20U) + " MB";
+    return Filled(Translated("halvenor::Files", "is larger than %1 MB"),
+                  {std::to_string(limit >> 20U)});
   default:
     return ErrorText(error);
   }

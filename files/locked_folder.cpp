@@ -1,6 +1,7 @@
 #include "files/locked_folder.h"
 
 #include "files/printable.h"
+#include "files/translated.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -61,14 +62,16 @@ std::vector<std::string> NamesIn(int folder) {
 
 std::unique_ptr<LockedFolder> LockedFolder::Open(const fs::path& path, std::string& problem) {
   const auto fail = [&](const std::string& reason) {
-    problem = "cannot write to " + Printable(path.string()) + ": " + reason;
+    problem = Filled(Translated("halvenor::Files", "cannot write to %1: %2"),
+                     {Printable(path.string()), reason});
     return nullptr;
   };
   if (const int failed = MakeFolders(path)) return fail(ErrorText(failed));
   OwnedDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!folder) return fail(ErrorText(errno));
   std::unique_ptr<LockedFolder> locked(new LockedFolder(std::move(folder)));
-  if (!locked->Lock()) return fail("another program is busy with it");
+  if (!locked->Lock())
+    return fail(Translated("halvenor::Files", "another program is busy with it"));
   return locked;
 }
 

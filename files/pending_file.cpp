@@ -2,6 +2,7 @@
 
 #include "files/file_bytes.h"
 #include "files/printable.h"
+#include "files/translated.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -20,7 +21,8 @@ constexpr mode_t kPermissions = 07777;
 } // namespace
 
 std::string CannotWrite(const std::string& name, int error) {
-  return "cannot write " + Printable(name, kMessageCharacters) + ": " + ErrorText(error);
+  return Filled(Translated("halvenor::Files", "cannot write %1: %2"),
+                {Printable(name, kMessageCharacters), ErrorText(error)});
 }
 
 PendingFile PendingFile::Create(const fs::path& asked, mode_t mode, Leftovers leftovers) {

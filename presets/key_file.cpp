@@ -1,5 +1,7 @@
 #include "presets/key_file.h"
 
+#include "files/translated.h"
+
 #include <algorithm>
 #include <charconv>
 #include <set>
@@ -9,7 +11,10 @@ namespace halvenor {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kForeign = "is not a preset file";
+
+std::string Foreign() {
+  return Translated("halvenor::Presets", "is not a preset file");
+}
 
 // GLib keeps only the last of two groups or keys with one name: a preset would be lost.
 std::string FindDuplicate(std::string_view text) {
@@ -24,7 +29,7 @@ std::string FindDuplicate(std::string_view text) {
     const std::string_view name = isGroup ? line : Trimmed(line.substr(0, line.find('=')));
     if (isGroup) keys.clear();
     if (!(isGroup ? groups : keys).insert(name).second)
-      return "has " + std::string(name) + " twice";
+      return Filled(Translated("halvenor::Presets", "has %1 twice"), {std::string(name)});
   }
   return "";
 }
@@ -37,9 +42,10 @@ std::string CheckHead(GKeyFile* file, const char* head) {
   const auto [stop, failed] = std::from_chars(text.data(), end, number);
   const bool isNumber = !text.empty() && stop == end && number >= 0;
   if (isNumber && (failed == std::errc::result_out_of_range || number > kPresetFormat))
-    return "is in a newer format (" + text + "; this version reads " +
-           std::to_string(kPresetFormat) + ")";
-  return isNumber && number == kPresetFormat ? "" : std::string(kForeign);
+    return Filled(
+        Translated("halvenor::Presets", "is in a newer format (%1; this version reads %2)"),
+        {text, std::to_string(kPresetFormat)});
+  return isNumber && number == kPresetFormat ? "" : Foreign();
 }
 
 } // namespace
@@ -54,13 +60,15 @@ std::string_view Trimmed(std::string_view text) {
 GlibKeyFile ParseKeyFile(std::string_view text, const char* head, std::string& problem) {
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   if (text.empty() || !g_utf8_validate_len(text.data(), text.size(), nullptr)) {
-    problem = std::string(kForeign) + (text.empty() ? ": it is empty" : ": it is not text");
+    problem = text.empty()
+                  ? Translated("halvenor::Presets", "is not a preset file: it is empty")
+                  : Translated("halvenor::Presets", "is not a preset file: it is not text");
     return nullptr;
   }
   GlibKeyFile file(g_key_file_new());
   GError* raw = nullptr;
   if (!g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, &raw)) {
-    problem = std::string(kForeign) + ": " + GlibError(raw)->message;
+    problem = Foreign() + ": " + GlibError(raw)->message;
     return nullptr;
   }
   problem = CheckHead(file.get(), head);

@@ -1,6 +1,7 @@
 #include "presets/preset_commit.h"
 
 #include "files/printable.h"
+#include "files/translated.h"
 #include "presets/preset_names.h"
 
 #include <algorithm>
@@ -80,7 +81,8 @@ bool PresetCommit::StageAll() {
   if (marks_)
     if (const int failed = folder_.Stage(PrintPresetMarks(*marks_), stagedMarks_))
       return Fail(kPresetMarksFile, failed);
-  if (const int failed = folder_.Settle()) return Fail("its files", failed);
+  if (const int failed = folder_.Settle())
+    return Fail(Translated("halvenor::Presets", "its files"), failed);
   return true;
 }
 

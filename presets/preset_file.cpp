@@ -3,6 +3,7 @@
 #include "files/file_bytes.h"
 #include "files/pending_file.h"
 #include "files/printable.h"
+#include "files/translated.h"
 #include "presets/key_file.h"
 #include "presets/look.h"
 #include "presets/preset_names.h"
@@ -28,7 +29,7 @@ std::optional<NamedLook> ReadPreset(GKeyFile* file, const char* group, std::stri
   const GlibText name(g_key_file_get_string(file, group, "name", nullptr));
   preset.name = TidyPresetName(name ? name.get() : "");
   if (preset.name.empty()) {
-    problem = "has a preset without a name, [" + std::string(group) + "]";
+    problem = Filled(Translated("halvenor::Presets", "has a preset without a name, [%1]"), {group});
     return std::nullopt;
   }
   for (const SettingField& field : SettingFields()) {
@@ -37,7 +38,8 @@ std::optional<NamedLook> ReadPreset(GKeyFile* file, const char* group, std::stri
         g_key_file_get_value(file, group, std::string(field.name).c_str(), nullptr));
     if (!value) continue;
     if (const auto wrong = SetFromText(preset.look, field, Trimmed(value.get()))) {
-      problem = "has a bad value in \"" + preset.name + "\": " + *wrong;
+      problem = Filled(Translated("halvenor::Presets", "has a bad value in \"%1\": %2"),
+                       {preset.name, *wrong});
       return std::nullopt;
     }
   }
@@ -69,7 +71,7 @@ std::optional<std::vector<NamedLook>> ParsePresets(std::string_view text, std::s
     presets.push_back(std::move(*preset));
   }
   if (presets.empty()) {
-    problem = "contains no preset";
+    problem = Translated("halvenor::Presets", "contains no preset");
     return std::nullopt;
   }
   return presets;
@@ -106,14 +108,15 @@ std::optional<std::vector<NamedLook>> ReadPresetFile(const fs::path& file, std::
 bool WritePresetFile(const fs::path& file, std::span<const NamedLook> presets,
                      std::string& problem) {
   const auto fail = [&](const std::string& reason) {
-    problem = "cannot write " + NameForMessages(file) + ": " + Printable(reason);
+    problem = Filled(Translated("halvenor::Presets", "cannot write %1: %2"),
+                     {NameForMessages(file), Printable(reason)});
     return false;
   };
-  if (presets.empty()) return fail("there is no preset to write");
+  if (presets.empty()) return fail(Translated("halvenor::Presets", "there is no preset to write"));
   std::error_code none;
   const fs::file_status kind = fs::status(file, none);
   if (fs::exists(kind) && !fs::is_directory(kind) && !fs::is_regular_file(kind))
-    return fail("it is not a regular file");
+    return fail(Translated("halvenor::Presets", "it is not a regular file"));
   PendingFile pending = PendingFile::Create(file);
   const std::string text = PrintPresets(presets);
   const bool written = pending && pending.Write(std::as_bytes(std::span(text))) && pending.Commit();

@@ -1,6 +1,7 @@
 #include "presets/preset_library.h"
 
 #include "files/printable.h"
+#include "files/translated.h"
 #include "presets/look.h"
 #include "presets/preset_catalog.h"
 #include "presets/preset_names.h"
@@ -23,10 +24,6 @@ using Kind = PresetMark::Kind;
 using Problem = PresetLibrary::Problem;
 
 constexpr std::size_t kMostUndone = 100;
-
-std::string Quoted(std::string_view verb, std::string_view name) {
-  return std::string(verb) + " \"" + std::string(name) + "\"";
-}
 
 std::string BytesOf(const std::string& name, const Settings& look) {
   const NamedLook preset{name, look};
@@ -77,7 +74,7 @@ Problem PresetLibrary::Impl::Make(PresetChange change, std::string* newId) {
 }
 
 Problem PresetLibrary::Impl::Undo() {
-  if (done.empty()) return "There is nothing to undo.";
+  if (done.empty()) return Translated("halvenor::Presets", "There is nothing to undo.");
   PresetChange change = Reversed(done.back());
   change.moved.clear();
   if (Problem problem = store.Commit(change, catalog.FactoryIds())) return problem;
@@ -101,10 +98,11 @@ PresetEdit PresetLibrary::Impl::NewPreset(const std::string& name, const Setting
 
 Problem PresetLibrary::Impl::CheckName(std::string& name, std::string_view except) const {
   name = TidyPresetName(name);
-  if (name.empty()) return "A preset needs a name.";
+  if (name.empty()) return Translated("halvenor::Presets", "A preset needs a name.");
   for (const Preset& preset : catalog.Presets())
     if (preset.id != except && Folded(preset.name) == Folded(name))
-      return "There is already a preset called \"" + preset.name + "\".";
+      return Filled(Translated("halvenor::Presets", "There is already a preset called \"%1\"."),
+                    {preset.name});
   return std::nullopt;
 }
 
@@ -132,7 +130,7 @@ void PresetLibrary::Impl::RestoreOne(const std::string& id, const StoredPreset& 
 namespace {
 
 Problem NoSuchPreset(std::string_view id) {
-  return "There is no preset \"" + Printable(id) + "\".";
+  return Filled(Translated("halvenor::Presets", "There is no preset \"%1\"."), {Printable(id)});
 }
 
 } // namespace
@@ -188,14 +186,20 @@ std::string PresetLibrary::FreshName(std::string_view wish) const {
 Problem PresetLibrary::Add(std::string_view name, const Settings& look, std::string* id) {
   std::string tidy(name);
   if (Problem problem = impl_->CheckName(tidy, "")) return problem;
-  return impl_->Make({Quoted("Add", tidy), {impl_->NewPreset(tidy, look)}, {}, {}}, id);
+  return impl_->Make({Filled(Translated("halvenor::Presets", "Add \"%1\""), {tidy}),
+                      {impl_->NewPreset(tidy, look)},
+                      {},
+                      {}},
+                     id);
 }
 
 Problem PresetLibrary::Duplicate(std::string_view id, std::string* newId) {
   const Preset* const preset = Find(id);
   if (!preset) return NoSuchPreset(id);
   const PresetEdit copy = impl_->NewPreset(FreshName(preset->name), preset->look);
-  return impl_->Make({Quoted("Duplicate", preset->name), {copy}, {}, {}}, newId);
+  return impl_->Make(
+      {Filled(Translated("halvenor::Presets", "Duplicate \"%1\""), {preset->name}), {copy}, {}, {}},
+      newId);
 }
 
 Problem PresetLibrary::Rename(std::string_view id, std::string_view name) {
@@ -204,20 +208,25 @@ Problem PresetLibrary::Rename(std::string_view id, std::string_view name) {
   std::string tidy(name);
   if (Problem problem = impl_->CheckName(tidy, id)) return problem;
   if (tidy == preset->name) return std::nullopt;
-  return impl_->Rewrite(*preset, Quoted("Rename", preset->name), tidy, preset->look);
+  return impl_->Rewrite(*preset,
+                        Filled(Translated("halvenor::Presets", "Rename \"%1\""), {preset->name}),
+                        tidy, preset->look);
 }
 
 Problem PresetLibrary::Replace(std::string_view id, const Settings& look) {
   const Preset* const preset = Find(id);
   if (!preset) return NoSuchPreset(id);
   if (SameLook(preset->look, TidyLook(look))) return std::nullopt;
-  return impl_->Rewrite(*preset, Quoted("Change", preset->name), preset->name, look);
+  return impl_->Rewrite(*preset,
+                        Filled(Translated("halvenor::Presets", "Change \"%1\""), {preset->name}),
+                        preset->name, look);
 }
 
 Problem PresetLibrary::Remove(std::string_view id) {
   const Preset* const preset = Find(id);
   if (!preset) return NoSuchPreset(id);
-  PresetChange change{Quoted("Delete", preset->name), {}, {}, {}};
+  PresetChange change{
+      Filled(Translated("halvenor::Presets", "Delete \"%1\""), {preset->name}), {}, {}, {}};
   if (const auto bytes = impl_->BytesOnDisk(preset->id))
     change.edits.push_back({preset->id, bytes, std::nullopt});
   if (impl_->catalog.Factory().contains(preset->id))
@@ -230,14 +239,16 @@ Problem PresetLibrary::SetFavorite(std::string_view id, bool favorite) {
   const Preset* const preset = Find(id);
   if (!preset) return NoSuchPreset(id);
   if (preset->favorite == favorite) return std::nullopt;
-  return impl_->Make({Quoted(favorite ? "Mark" : "Unmark", preset->name),
+  return impl_->Make({Filled(favorite ? Translated("halvenor::Presets", "Mark \"%1\"")
+                                      : Translated("halvenor::Presets", "Unmark \"%1\""),
+                             {preset->name}),
                       {},
                       {{Kind::Favorite, preset->id, favorite}},
                       {}});
 }
 
 Problem PresetLibrary::RestoreFactory() {
-  PresetChange change{"Restore Factory Presets", {}, {}, {}};
+  PresetChange change{Translated("halvenor::Presets", "Restore Factory Presets"), {}, {}, {}};
   std::set<std::string> taken = impl_->catalog.Names();
   for (const auto& [id, original] : impl_->catalog.Factory()) {
     taken.insert(Folded(original.preset.name));
@@ -261,7 +272,11 @@ Problem PresetLibrary::Import(const fs::path& file, std::vector<std::string>* ad
   std::string problem;
   const auto read = ReadPresetFile(file, problem);
   if (!read) return problem;
-  PresetChange change{Quoted("Import", Printable(file.filename().string())), {}, {}, {}};
+  PresetChange change{Filled(Translated("halvenor::Presets", "Import \"%1\""),
+                             {Printable(file.filename().string())}),
+                      {},
+                      {},
+                      {}};
   std::set<std::string> taken = impl_->catalog.Names();
   for (const NamedLook& preset : *read) {
     const std::string name = FreshNameFor(preset.name, taken);
@@ -283,7 +298,9 @@ Problem PresetLibrary::Export(const fs::path& file, std::span<const std::string>
     presets.push_back({preset->name, preset->look});
   }
   if (IsInside(file, impl_->store.Path()))
-    return "cannot write " + Printable(file.string()) + ": it is the folder of the presets";
+    return Filled(
+        Translated("halvenor::Presets", "cannot write %1: it is the folder of the presets"),
+        {Printable(file.string())});
   std::string problem;
   return WritePresetFile(file, presets, problem) ? std::nullopt : std::optional(problem);
 }

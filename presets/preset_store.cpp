@@ -3,6 +3,7 @@
 #include "files/file_bytes.h"
 #include "files/locked_folder.h"
 #include "files/printable.h"
+#include "files/translated.h"
 #include "presets/preset_commit.h"
 #include "presets/preset_names.h"
 
@@ -21,7 +22,7 @@ std::optional<StoredPreset> Parse(std::string bytes, std::string& problem) {
   auto presets = ParsePresets(bytes, problem);
   if (!presets) return std::nullopt;
   if (presets->size() != 1) {
-    problem = "contains several presets: import it instead";
+    problem = Translated("halvenor::Presets", "contains several presets: import it instead");
     return std::nullopt;
   }
   return StoredPreset{std::move(presets->front()), std::move(bytes)};
@@ -31,7 +32,8 @@ std::optional<StoredPreset> ReadPreset(int folder, const std::string& name, cons
                                        std::string& problem) {
   FileBytes read = ReadFileBytes(folder, name, Links::Refuse);
   if (read.bytes && !IsPresetId(id))
-    problem = "has a name other than a-z, 0-9, - and _: rename or import it";
+    problem = Translated("halvenor::Presets",
+                         "has a name other than a-z, 0-9, - and _: rename or import it");
   else if (read.bytes)
     return Parse(std::move(*read.bytes), problem);
   else
@@ -96,8 +98,9 @@ std::vector<std::string> PresetStore::Load() {
   if (read.bytes)
     if (auto marks = ParsePresetMarks(*read.bytes, problem)) marks_ = std::move(*marks);
   if (!problem.empty())
-    lines.push_back(Printable(file.string()) + ": " + Printable(problem) +
-                    "; favorites and removed presets are unknown");
+    lines.push_back(
+        Filled(Translated("halvenor::Presets", "%1: %2; favorites and removed presets are unknown"),
+               {Printable(file.string()), Printable(problem)}));
   return lines;
 }
 
@@ -111,7 +114,9 @@ std::optional<std::string> PresetStore::Commit(PresetChange& change, const Ids& 
   const auto folder = LockedFolder::Open(path_, problem);
   if (!folder) return problem;
   PresetCommit commit(*folder, change, fixed);
-  if (!commit.Run()) return "cannot write to " + Printable(path_.string()) + ": " + commit.Error();
+  if (!commit.Run())
+    return Filled(Translated("halvenor::Presets", "cannot write to %1: %2"),
+                  {Printable(path_.string()), commit.Error()});
 
   for (const PresetEdit& edit : change.edits)
     if (!edit.after) files_.erase(edit.id);

@@ -17,6 +17,31 @@ namespace {
 
 constexpr QSize kFirstSize(1080, 700);
 
+QString LetterOf(const QString& text) {
+  const qsizetype mark = text.indexOf(QLatin1Char('&'));
+  return mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
+}
+
+// The letters that, with Alt, lead to the widgets of `panel`.
+QString LettersIn(const QWidget& panel) {
+  QString letters;
+  for (const auto* button : panel.findChildren<QAbstractButton*>())
+    letters += LetterOf(button->text());
+  for (const auto* label : panel.findChildren<QLabel*>())
+    letters += LetterOf(label->text());
+  return letters;
+}
+
+// The same of a row of buttons.
+QString LettersIn(const QLayout& row) {
+  QString letters;
+  for (int i = 0; i < row.count(); ++i) {
+    if (const auto* button = qobject_cast<QAbstractButton*>(row.itemAt(i)->widget()))
+      letters += LetterOf(button->text());
+  }
+  return letters;
+}
+
 } // namespace
 
 ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetChooser& chooser)
@@ -32,15 +57,16 @@ ConfigurationWindow::ConfigurationWindow(LiveSettings& live, PresetChooser& choo
 void ConfigurationWindow::MakeContents() {
   auto* page = new QWidget;
   auto* layout = new QVBoxLayout(page);
+  QLayout* const buttons = MakeButtons();
   auto* sides = new QSplitter;
   sides->setChildrenCollapsible(false);
   sides->setFocusPolicy(Qt::NoFocus);
   sides->addWidget(presets_);
-  sides->addWidget(new SettingsPage(live_));
+  sides->addWidget(new SettingsPage(live_, LettersIn(*presets_) + LettersIn(*buttons)));
   sides->setStretchFactor(1, 1);
   layout->addWidget(sides, 1);
   layout->addWidget(messages_);
-  layout->addLayout(MakeButtons());
+  layout->addLayout(buttons);
   setCentralWidget(page);
   presets_->FocusList();
 }
@@ -63,7 +89,7 @@ QLayout* ConfigurationWindow::MakeButtons() {
         if (Save()) Tell(tr("The settings are saved."));
       });
   add(tr("&Cancel"), QStringLiteral("cancel"), tr("Restore the previous settings and close"),
-      tr("Ctrl+Backspace"), [this] { Cancel(); });
+      QKeySequence(Qt::CTRL | Qt::Key_Backspace), [this] { Cancel(); });
   add(tr("Close"), QStringLiteral("close"), tr("Keep these settings and close"), Qt::Key_Escape,
       [this] { close(); });
   return row;

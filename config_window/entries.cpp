@@ -6,6 +6,7 @@
 #include "platform/carbon.h"
 #include "platform/ports.h"
 #include "protocol/configuration_entries.h"
+#include "translations/translation.h"
 
 #include <QtCore/QLibraryInfo>
 #include <QtCore/QThread>
@@ -46,6 +47,9 @@ std::string WhyNoWindow() {
 
 // Everything that lives here, from the first need to the end of the application.
 class Configuration {
+  const Translation translation_{QStringLiteral(HALVENOR_CARRIED_TEXTS),
+                                 Translation::Texts::Own}; // before anything that speaks
+
 public:
   LiveSettings live;
   PresetChooser chooser{

@@ -23,33 +23,38 @@ struct PresetPanel::ActionRow {
   bool endsSection = false;
 };
 
-#define HALVENOR_TEXT(text) QT_TRANSLATE_NOOP("halvenor::PresetPanel", text)
 const PresetPanel::ActionRow PresetPanel::kActions[] = {
-    {"previous", HALVENOR_TEXT("Previous Preset"), "Ctrl+PgUp", &PresetPanel::Previous, false, 0,
-     HALVENOR_TEXT("&Previous")},
-    {"next", HALVENOR_TEXT("Next Preset"), "Ctrl+PgDown", &PresetPanel::Next, false, 0,
-     HALVENOR_TEXT("&Next")},
-    {"random", HALVENOR_TEXT("Random Preset"), "Ctrl+R", &PresetPanel::Random, false, 0,
-     HALVENOR_TEXT("&Random"), true},
-    {"add", HALVENOR_TEXT("Add the Current Look"), "Ctrl+N", &PresetPanel::Add, false, 1,
-     HALVENOR_TEXT("&Add")},
-    {"duplicate", HALVENOR_TEXT("Duplicate"), "Ctrl+D", &PresetPanel::Duplicate, true, 1,
-     HALVENOR_TEXT("Dupl&icate")},
-    {"rename", HALVENOR_TEXT("Rename"), "F2", &PresetPanel::Rename, true},
-    {"replace", HALVENOR_TEXT("Replace with the Current Look"), "", &PresetPanel::Replace, true},
-    {"favorite", HALVENOR_TEXT("Favorite"), "Ctrl+B", &PresetPanel::Favorite, true},
-    {"delete", HALVENOR_TEXT("Delete"), "Del", &PresetPanel::Delete, true, 1,
-     HALVENOR_TEXT("D&elete"), true},
-    {"undo", HALVENOR_TEXT("Undo"), "Ctrl+Z", &PresetPanel::Undo, false, 1, HALVENOR_TEXT("Und&o")},
-    {"restoreFactory", HALVENOR_TEXT("Restore Factory Presets"), "", &PresetPanel::RestoreFactory,
-     false, -1, nullptr, true},
-    {"import", HALVENOR_TEXT("Import..."), "Ctrl+O", &PresetPanel::Import, false},
-    {"exportThis", HALVENOR_TEXT("Export This Preset..."), "", &PresetPanel::ExportThis, true},
-    {"exportAll", HALVENOR_TEXT("Export All Presets..."), "Ctrl+E", &PresetPanel::ExportAll, false,
-     -1, nullptr, true},
-    {"find", HALVENOR_TEXT("Find"), "Ctrl+F", &PresetPanel::Find, false},
+    {"previous", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Previous Preset"), "Ctrl+PgUp",
+     &PresetPanel::Previous, false, 0, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "&Previous")},
+    {"next", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Next Preset"), "Ctrl+PgDown",
+     &PresetPanel::Next, false, 0, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "&Next")},
+    {"random", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Random Preset"), "Ctrl+R",
+     &PresetPanel::Random, false, 0, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "&Random"), true},
+    {"add", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Add the Current Look"), "Ctrl+N",
+     &PresetPanel::Add, false, 1, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "&Add")},
+    {"duplicate", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Duplicate"), "Ctrl+D",
+     &PresetPanel::Duplicate, true, 1, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Dupl&icate")},
+    {"rename", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Rename"), "F2", &PresetPanel::Rename,
+     true},
+    {"replace", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Replace with the Current Look"), "",
+     &PresetPanel::Replace, true},
+    {"favorite", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Favorite"), "Ctrl+B",
+     &PresetPanel::Favorite, true},
+    {"delete", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Delete"), "Del", &PresetPanel::Delete,
+     true, 1, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "D&elete"), true},
+    {"undo", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Undo"), "Ctrl+Z", &PresetPanel::Undo,
+     false, 1, QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Und&o")},
+    {"restoreFactory", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Restore Factory Presets"), "",
+     &PresetPanel::RestoreFactory, false, -1, nullptr, true},
+    {"import", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Import..."), "Ctrl+O",
+     &PresetPanel::Import, false},
+    {"exportThis", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Export This Preset..."), "",
+     &PresetPanel::ExportThis, true},
+    {"exportAll", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Export All Presets..."), "Ctrl+E",
+     &PresetPanel::ExportAll, false, -1, nullptr, true},
+    {"find", QT_TRANSLATE_NOOP("halvenor::PresetPanel", "Find"), "Ctrl+F", &PresetPanel::Find,
+     false},
 };
-#undef HALVENOR_TEXT
 
 PresetPanel::PresetPanel(PresetChooser& chooser, LiveSettings& live)
     : chooser_(chooser), live_(live),
@@ -83,7 +88,7 @@ void PresetPanel::MakeActions() {
   for (const ActionRow& row : kActions) {
     QAction* action = menu_->addAction(tr(row.text));
     action->setObjectName(QLatin1String(row.name));
-    action->setShortcut(QKeySequence(QLatin1String(row.keys)));
+    action->setShortcut(QKeySequence::fromString(QLatin1String(row.keys)));
     connect(action, &QAction::triggered, this, row.act);
     // Keys that have another meaning in a text work in the list alone.
     const bool inList =
@@ -157,7 +162,7 @@ QWidget* PresetPanel::MakeSwitching() {
   interval_ = new QDoubleSpinBox;
   smooth_ = new QDoubleSpinBox;
   random_ = new QCheckBox(tr("Random or&der"));
-  favoritesOnly_ = new QCheckBox(tr("Fa&vourites only"));
+  favoritesOnly_ = new QCheckBox(tr("Fa&vorites only"));
   const struct {
     QWidget* widget;
     const char* name;
@@ -297,7 +302,7 @@ void PresetPanel::Import() {
       return;
     if (!added.empty()) list_->SetCurrentId(added.front());
     Tell(added.size() == 1 ? tr("One preset imported.")
-                           : tr("%1 presets imported.").arg(added.size()));
+                           : tr("%n presets imported.", nullptr, static_cast<int>(added.size())));
   });
   dialog->open();
 }

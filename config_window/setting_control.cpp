@@ -56,7 +56,7 @@ bool IsTypedInto(const QDoubleSpinBox* spin) {
 
 QString Suffix(const SettingField& field) {
   if (field.unit.empty()) return {};
-  return field.angle ? QStringLiteral("\u00B0") : ' ' + Text(field.unit);
+  return field.angle ? QStringLiteral("\u00B0") : ' ' + SettingText(field.unit.data());
 }
 
 // A number to type, and a slider where the range is one that a hand can cover.

@@ -17,8 +17,6 @@ namespace halvenor {
 namespace {
 
 constexpr std::size_t kFirstOfSecondColumn = 2;
-// Letters that presets and buttons take; the others are for settings.
-constexpr char kTakenLetters[] = "acdeilmnoprstvy";
 
 std::vector<const SettingField*> FieldsByGroup() {
   std::vector<const SettingField*> fields;
@@ -31,12 +29,12 @@ std::vector<const SettingField*> FieldsByGroup() {
 
 } // namespace
 
-SettingsPage::SettingsPage(LiveSettings& live) : live_(live) {
+SettingsPage::SettingsPage(LiveSettings& live, const QString& takenLetters)
+    : live_(live), letters_(takenLetters) {
   setObjectName(QStringLiteral("settings"));
   setWidgetResizable(true);
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::NoFocus);
-  letters_ = QLatin1String(kTakenLetters);
   setWidget(new QWidget);
   auto* side = new QHBoxLayout(widget());
   for (QBoxLayout*& column : columns_) {
@@ -52,7 +50,6 @@ SettingsPage::SettingsPage(LiveSettings& live) : live_(live) {
     AddField(group, *field);
   }
   AddScreenSizeButton(group); // the screen's settings are the last group
-  Arrange();
   connect(&live_, &LiveSettings::Seen, this, &SettingsPage::ShowPresent);
   ShowPresent();
 }
@@ -107,16 +104,33 @@ void SettingsPage::AddScreenSizeButton(QWidget* group) {
   });
 }
 
-// The groups one under another, or in two columns where there is room.
-void SettingsPage::Arrange() {
+// The width that the widest group needs, with the labels beside or above their controls.
+int SettingsPage::WidestGroup(QFormLayout::RowWrapPolicy policy) const {
   int widest = 0;
+  for (const QWidget* group : groups_) {
+    auto* form = static_cast<QFormLayout*>(group->layout());
+    const QFormLayout::RowWrapPolicy now = form->rowWrapPolicy();
+    form->setRowWrapPolicy(policy);
+    widest = std::max(widest, form->totalMinimumSize().width());
+    form->setRowWrapPolicy(now);
+  }
+  return widest;
+}
+
+// The groups one under another, or in two columns where there is room. Where even one column is
+// too wide, as in languages with long words, the labels move above their controls.
+void SettingsPage::Arrange() {
+  if (widest_ == 0) {
+    widest_ = WidestGroup(QFormLayout::DontWrapRows);
+    const QMargins margins = widget()->layout()->contentsMargins();
+    around_ = margins.left() + margins.right() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    setMinimumWidth(WidestGroup(QFormLayout::WrapAllRows) + around_); // this is never cut
+  }
+  const auto policy =
+      width() < widest_ + around_ ? QFormLayout::WrapAllRows : QFormLayout::DontWrapRows;
   for (const QWidget* group : groups_)
-    widest = std::max(widest, group->minimumSizeHint().width());
-  const QMargins margins = widget()->layout()->contentsMargins();
-  const int around = margins.left() + margins.right();
-  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-  setMinimumWidth(widest + around + bar); // one column is never cut
-  const bool two = width() >= 2 * widest + around + bar + widget()->layout()->spacing();
+    static_cast<QFormLayout*>(group->layout())->setRowWrapPolicy(policy);
+  const bool two = width() >= 2 * widest_ + around_ + widget()->layout()->spacing();
   if (two == twoColumns_) return;
   twoColumns_ = two;
   static_cast<QBoxLayout*>(widget()->layout())->setStretchFactor(columns_[1], two ? 1 : 0);

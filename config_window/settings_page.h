@@ -5,6 +5,7 @@
 #include "config_window/setting_control.h"
 
 #include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QFormLayout>
 #include <QtWidgets/QScrollArea>
 
 #include <optional>
@@ -17,7 +18,8 @@ class SettingsPage final : public QScrollArea {
   Q_OBJECT
 
 public:
-  explicit SettingsPage(LiveSettings& live);
+  /// `takenLetters` lead elsewhere in the window, with Alt.
+  SettingsPage(LiveSettings& live, const QString& takenLetters);
 
 protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -27,6 +29,7 @@ private:
   QString WithLetter(const QString& label);
   void AddField(QWidget* group, const SettingField& field);
   void AddScreenSizeButton(QWidget* group);
+  [[nodiscard]] int WidestGroup(QFormLayout::RowWrapPolicy policy) const;
   void Arrange();
   void ShowPresent();
 
@@ -36,6 +39,8 @@ private:
   QString letters_; ///< that are taken as keys
   QBoxLayout* columns_[2] = {};
   std::optional<bool> twoColumns_;
+  int widest_ = 0; ///< pixels that the groups need, with their labels beside the controls
+  int around_ = 0; ///< and what is around them
 };
 
 } // namespace halvenor

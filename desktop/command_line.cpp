@@ -32,49 +32,45 @@ const QString kPlugin = QStringLiteral("plugin");
 const QString kSource = QStringLiteral("source");
 const QString kVerbose = QStringLiteral("verbose");
 
-struct CommandLine {
-  Q_DECLARE_TR_FUNCTIONS(halvenor::CommandLine)
-};
-
 void Describe(QCommandLineParser& parser) {
   parser.setApplicationDescription(
-      CommandLine::tr("Shows music as a moving picture: what the computer plays, or audio files,\n"
-                      "folders, playlists and internet radio, which it plays itself."));
-  parser.addOption({{QStringLiteral("h"), kHelp}, CommandLine::tr("Show this help.")});
-  parser.addOption({{QStringLiteral("v"), kVersion}, CommandLine::tr("Show the version.")});
+      QStringLiteral("Shows music as a moving picture: what the computer plays, or audio files,\n"
+                     "folders, playlists and internet radio, which it plays itself."));
+  parser.addOption({{QStringLiteral("h"), kHelp}, QStringLiteral("Show this help.")});
+  parser.addOption({{QStringLiteral("v"), kVersion}, QStringLiteral("Show the version.")});
   parser.addOption({kSource,
-                    CommandLine::tr("Listen to this source, now and on later starts; \"default\" "
-                                    "follows the default output again."),
+                    QStringLiteral("Listen to this source, now and on later starts; \"default\" "
+                                   "follows the default output again."),
                     QStringLiteral("NAME")});
   parser.addOption(
-      {kListSources, CommandLine::tr("List the sources that can be listened to. The default "
-                                     "output is marked with *.")});
-  parser.addOption({kDemo, CommandLine::tr("Play the built-in tune.")});
+      {kListSources, QStringLiteral("List the sources that can be listened to. The default "
+                                    "output is marked with *.")});
+  parser.addOption({kDemo, QStringLiteral("Play the built-in tune.")});
   parser.addOption({kGl,
-                    CommandLine::tr("Who draws: \"cpu\", this program on the processor, or "
-                                    "\"driver\", the installed OpenGL driver."),
+                    QStringLiteral("Who draws: \"cpu\", this program on the processor, or "
+                                   "\"driver\", the installed OpenGL driver."),
                     QStringLiteral("cpu|driver")});
   parser.addOption({kPlugin,
-                    CommandLine::tr("Show this visualizer, a bundle or a module, instead of the "
-                                    "installed one."),
+                    QStringLiteral("Show this visualizer, a bundle or a module, instead of the "
+                                   "installed one."),
                     QStringLiteral("PATH")});
   parser.addOption(
       {kVerbose, QStringLiteral("Shows everything that the visualizer logs, not only errors.")});
   parser.addOption({QStringLiteral("control"),
-                    CommandLine::tr("Send a command to the running program (see below). Must be "
-                                    "the first option."),
+                    QStringLiteral("Send a command to the running program (see below). Must be "
+                                   "the first option."),
                     QStringLiteral("COMMAND")});
   parser.addPositionalArgument(
       QStringLiteral("FILE"),
-      CommandLine::tr("Audio files, folders, playlists or addresses to play, one after the other. "
-                      "Without any, the program listens to what the computer plays."),
+      QStringLiteral("Audio files, folders, playlists or addresses to play, one after the other. "
+                     "Without any, the program listens to what the computer plays."),
       QStringLiteral("[FILE...]"));
 }
 
 int ShowHelp(const QCommandLineParser& parser) {
-  const QString text = parser.helpText() + '\n' + CommandLine::tr("Keys:") + '\n' +
+  const QString text = parser.helpText() + '\n' + QStringLiteral("Keys:") + '\n' +
                        MainWindow::KeyHelp() + QStringLiteral("\n\n") +
-                       CommandLine::tr("Commands of --control:") + '\n' + ControlHelp();
+                       QStringLiteral("Commands of --control:") + '\n' + ControlHelp();
   std::fputs(text.toLocal8Bit().constData(), stdout);
   return EXIT_SUCCESS;
 }
@@ -99,7 +95,7 @@ int ListSources() {
     std::printf("%s %-*s  %s%s\n", source.isDefault && !isMicrophone ? "*" : " ",
                 static_cast<int>(column), source.name.c_str(),
                 qPrintable(ShownLine(source.description)),
-                isMicrophone ? qPrintable(CommandLine::tr(" (microphone)")) : "");
+                isMicrophone ? qPrintable(QStringLiteral(" (microphone)")) : "");
   }
   return EXIT_SUCCESS;
 }
@@ -166,26 +162,26 @@ std::optional<StartOptions> ReadCommandLine(int& exitStatus) {
     return std::nullopt;
   };
   if (!parser.parse(QCoreApplication::arguments())) {
-    return end(Refuse(CommandLine::tr("%1 (see --help)").arg(parser.errorText())));
+    return end(Refuse(QStringLiteral("%1 (see --help)").arg(parser.errorText())));
   }
   if (parser.isSet(kHelp)) return end(ShowHelp(parser));
   if (parser.isSet(kVersion)) return end(ShowVersion());
   if (parser.isSet(kListSources)) return end(ListSources());
   if (parser.isSet(QStringLiteral("control")))
-    return end(Refuse(CommandLine::tr("--control must be the first option")));
+    return end(Refuse(QStringLiteral("--control must be the first option")));
 
   StartOptions options{InstalledPluginPath(), parser.positionalArguments(), std::nullopt,
                        parser.isSet(kVerbose)};
   if (parser.isSet(kPlugin)) options.plugin = parser.value(kPlugin).toStdString();
   if (parser.isSet(kGl)) {
     const auto choice = GlChoiceFrom(parser.value(kGl).toStdString());
-    if (!choice) return end(Refuse(CommandLine::tr("--gl must be cpu or driver")));
+    if (!choice) return end(Refuse(QStringLiteral("--gl must be cpu or driver")));
     ChooseGl(*choice);
   }
   if (parser.isSet(kDemo)) options.media.prepend(BuiltInTune());
   if (parser.isSet(kSource)) {
     if (!options.media.isEmpty())
-      return end(Refuse(CommandLine::tr("Give either --source or something to play, not both")));
+      return end(Refuse(QStringLiteral("Give either --source or something to play, not both")));
     const QString source = parser.value(kSource);
     options.source = source == kDefaultSource ? QString() : source;
   }

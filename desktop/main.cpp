@@ -16,6 +16,7 @@
 #include "host/install_paths.h"
 #include "host/log_capture.h"
 #include "platform/ports.h"
+#include "translations/translation.h"
 
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
@@ -82,6 +83,7 @@ private:
 };
 
 int ShowWindow(const StartOptions& options) {
+  const Translation translation(QStringLiteral(HALVENOR_CARRIED_TEXTS), Translation::Texts::WithQt);
   LogCapture log(options.verbose ? LogCapture::Echo::Everything : LogCapture::Echo::Errors,
                  kProgramName);
   std::string error;
@@ -119,8 +121,7 @@ int Run() {
   const std::optional<StartOptions> options = ReadCommandLine(exitStatus);
   if (!options) return exitStatus;
   if (!DrawingArea::IsPossible()) {
-    PrintError(QCoreApplication::translate("halvenor::Main",
-                                           "The window system \"%1\" is neither X11 nor Wayland")
+    PrintError(QStringLiteral("The window system \"%1\" is neither X11 nor Wayland")
                    .arg(QGuiApplication::platformName()));
     return EXIT_FAILURE;
   }

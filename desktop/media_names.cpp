@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::string_view kAddressMark = "://";
 
-struct MediaNames {
-  Q_DECLARE_TR_FUNCTIONS(halvenor::MediaNames)
-};
-
 } // namespace
 
 bool IsAddress(const std::string& medium) {
@@ -39,8 +35,8 @@ QString ToAbsolute(const QString& medium) {
 QString ObviousFault(const QString& medium) {
   if (IsAddress(medium)) return {};
   const QFileInfo file(medium);
-  if (!file.exists()) return MediaNames::tr("%1: No such file or folder").arg(medium);
-  if (!file.isReadable()) return MediaNames::tr("%1: Permission denied").arg(medium);
+  if (!file.exists()) return QStringLiteral("%1: No such file or folder").arg(medium);
+  if (!file.isReadable()) return QStringLiteral("%1: Permission denied").arg(medium);
   return {};
 }
 

@@ -2,7 +2,6 @@
 
 #include "files/printable.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 
 #include <cstdio>
@@ -16,10 +15,8 @@ QStringList heldBack; // used by the thread that starts the program
 [[noreturn]] void EndWithoutDisplay() {
   const char* const wayland = std::getenv("WAYLAND_DISPLAY");
   const char* const x11 = std::getenv("DISPLAY");
-  PrintError(
-      QCoreApplication::translate("halvenor::Messages",
-                                  "Cannot open a display (WAYLAND_DISPLAY is %1, DISPLAY is %2)")
-          .arg(wayland ? wayland : "not set", x11 ? x11 : "not set"));
+  PrintError(QStringLiteral("Cannot open a display (WAYLAND_DISPLAY is %1, DISPLAY is %2)")
+                 .arg(wayland ? wayland : "not set", x11 ? x11 : "not set"));
   std::_Exit(EXIT_FAILURE);
 }
 

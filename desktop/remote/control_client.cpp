@@ -18,10 +18,6 @@ namespace {
 constexpr int kUsageFault = 2;
 constexpr int kReplyMilliseconds = 10'000;
 
-struct Client {
-  Q_DECLARE_TR_FUNCTIONS(halvenor::ControlClient)
-};
-
 int Fail(const QString& line) {
   PrintError(line);
   return EXIT_FAILURE;
@@ -31,7 +27,7 @@ int Fail(const QString& line) {
 
 int SendControl(QStringList words) {
   if (const QString fault = ControlFault(words); !fault.isEmpty()) {
-    PrintError(Client::tr("%1 (see --help)").arg(fault));
+    PrintError(QStringLiteral("%1 (see --help)").arg(fault));
     return kUsageFault;
   }
   if (words[0] == QLatin1String("open")) {
@@ -42,11 +38,12 @@ int SendControl(QStringList words) {
   }
   const QString path = ControlSocketPath();
   if (path.isEmpty())
-    return Fail(Client::tr("XDG_RUNTIME_DIR is not set, so the running program cannot be found"));
+    return Fail(
+        QStringLiteral("XDG_RUNTIME_DIR is not set, so the running program cannot be found"));
   QLocalSocket socket;
   socket.connectToServer(path);
   if (!socket.waitForConnected(kReplyMilliseconds))
-    return Fail(Client::tr("Halvenor is not running"));
+    return Fail(QStringLiteral("Halvenor is not running"));
   socket.write(WriteRequest(words));
   const QDeadlineTimer patience(kReplyMilliseconds);
   while (!socket.canReadLine() &&
@@ -54,7 +51,7 @@ int SendControl(QStringList words) {
     ;
   const QString answer = QString::fromUtf8(socket.readLine()).trimmed();
   if (answer == QLatin1String("ok")) return EXIT_SUCCESS;
-  if (answer.isEmpty()) return Fail(Client::tr("The running program does not answer"));
+  if (answer.isEmpty()) return Fail(QStringLiteral("The running program does not answer"));
   return Fail(ShownLine(answer.section(QLatin1Char(' '), 1)));
 }
 

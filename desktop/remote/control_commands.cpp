@@ -12,10 +12,6 @@
 namespace halvenor {
 namespace {
 
-struct Control {
-  Q_DECLARE_TR_FUNCTIONS(halvenor::Control)
-};
-
 constexpr double kMostPercent = 100;
 constexpr qsizetype kMany = 10'000;
 
@@ -52,9 +48,9 @@ QString Usage(const ActionRow& row) {
 
 QString NumberFault(const ActionRow& row, const QString& text) {
   const std::optional<Amount> amount = ReadAmount(text);
-  if (!amount) return Control::tr("\"%1\" is not a number").arg(ShownLine(text));
+  if (!amount) return QStringLiteral("\"%1\" is not a number").arg(ShownLine(text));
   if (row.argument == ActionArgument::Percent && !amount->isStep && amount->value > kMostPercent)
-    return Control::tr("The volume must be from 0 to 100");
+    return QStringLiteral("The volume must be from 0 to 100");
   return {};
 }
 
@@ -65,20 +61,20 @@ QString ControlHelp() {
   QString help;
   for (const ActionRow& row : UserActions::Rows()) {
     if (*row.word == '\0') continue;
-    help += QStringLiteral("  %1%2\n")
-                .arg(Usage(row).leftJustified(kColumn), UserActions::tr(row.help));
+    help +=
+        QStringLiteral("  %1%2\n").arg(Usage(row).leftJustified(kColumn), QLatin1String(row.help));
   }
   return help;
 }
 
 QString ControlFault(const QStringList& words) {
-  if (words.isEmpty()) return Control::tr("Missing command");
+  if (words.isEmpty()) return QStringLiteral("Missing command");
   const ActionRow* const row = Find(words[0]);
-  if (!row) return Control::tr("Unknown command \"%1\"").arg(ShownLine(words[0]));
+  if (!row) return QStringLiteral("Unknown command \"%1\"").arg(ShownLine(words[0]));
   const ArgumentRule& rule = RuleOf(*row);
   const qsizetype arguments = words.size() - 1;
   if (arguments < rule.least || arguments > rule.most)
-    return Control::tr("Usage: --control %1").arg(Usage(*row));
+    return QStringLiteral("Usage: --control %1").arg(Usage(*row));
   const bool isNumber =
       row->argument == ActionArgument::Percent || row->argument == ActionArgument::Seconds;
   return isNumber ? NumberFault(*row, words[1]) : QString();

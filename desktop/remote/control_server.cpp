@@ -77,7 +77,7 @@ void ControlServer::Receive(QLocalSocket& socket) {
 
 void ControlServer::Answer(QLocalSocket& socket, const QByteArray& line) {
   const std::optional<QStringList> words = ReadRequest(line);
-  QString fault = words ? ControlFault(*words) : tr("Not a request");
+  QString fault = words ? ControlFault(*words) : QStringLiteral("Not a request");
   if (fault.isEmpty()) fault = run_(*words);
   socket.write(fault.isEmpty() ? QByteArray("ok\n") : "error " + fault.toUtf8() + '\n');
   socket.flush();

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kCardMilliseconds = 30'000;
 constexpr int kColumns = 2;
+constexpr int kBetweenColumns = 12;
 
 } // namespace
 
@@ -24,7 +25,9 @@ KeysCard::KeysCard() {
   for (int i = 0; i < help.size(); ++i) {
     auto* keys = new QLabel(QStringLiteral("<b>%1</b>").arg(help[i].keys.toHtmlEscaped()));
     layout->addWidget(keys, i % rows, 2 * (i / rows));
-    layout->addWidget(new QLabel(help[i].text), i % rows, 2 * (i / rows) + 1);
+    auto* text = new QLabel(help[i].text);
+    if (i / rows + 1 < kColumns) text->setContentsMargins(0, 0, kBetweenColumns, 0);
+    layout->addWidget(text, i % rows, 2 * (i / rows) + 1);
   }
   auto* rest =
       new QLabel(tr("The visualizer has more keys: <b>h</b> shows them, <b>c</b> opens its "

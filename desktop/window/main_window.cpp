@@ -189,7 +189,8 @@ void MainWindow::HandleActions() {
   parts.actions.Handle(UserAction::Configure, [this](const QStringList&) { return Configure(); });
   parts.actions.Handle(UserAction::PressKeys, [&parts](const QStringList& keys) {
     const QString unknown = parts.router.Press(keys);
-    return unknown.isEmpty() ? QString() : tr("Unknown key \"%1\"").arg(ShownLine(unknown));
+    return unknown.isEmpty() ? QString()
+                             : QStringLiteral("Unknown key \"%1\"").arg(ShownLine(unknown));
   });
 }
 

@@ -17,24 +17,24 @@ constexpr double kPercent = 100;
 
 QString IfNothingPlays(const Player& player, const QStringList&) {
   return player.CurrentMode() == Player::Mode::Playing ? QString()
-                                                       : UserActions::tr("Nothing is playing");
+                                                       : QStringLiteral("Nothing is playing");
 }
 
 QString IfNothingIsQueued(const Player& player, const QStringList&) {
-  return player.CanPlay() ? QString() : UserActions::tr("There is nothing to play");
+  return player.CanPlay() ? QString() : QStringLiteral("There is nothing to play");
 }
 
 QString IfNoNext(const Player& player, const QStringList&) {
-  return player.CanGoNext() ? QString() : UserActions::tr("There is no next entry");
+  return player.CanGoNext() ? QString() : QStringLiteral("There is no next entry");
 }
 
 QString IfNoPrevious(const Player& player, const QStringList&) {
   return player.CanGoPrevious() || player.CanSeek() ? QString()
-                                                    : UserActions::tr("There is no previous entry");
+                                                    : QStringLiteral("There is no previous entry");
 }
 
 QString IfNotSeekable(const Player& player, const QStringList&) {
-  return player.CanSeek() ? QString() : UserActions::tr("Seeking is not possible now");
+  return player.CanSeek() ? QString() : QStringLiteral("Seeking is not possible now");
 }
 
 QString IfUnknownSource(const Player& player, const QStringList& source) {
@@ -42,7 +42,7 @@ QString IfUnknownSource(const Player& player, const QStringList& source) {
   if (name.isEmpty() || name == player.ChosenSource()) return {};
   const std::vector<Player::Source> sources = player.Sources();
   if (std::ranges::find(sources, name, &Player::Source::name) != sources.end()) return {};
-  return UserActions::tr("Unknown source \"%1\" (see --list-sources)").arg(ShownLine(name));
+  return QStringLiteral("Unknown source \"%1\" (see --list-sources)").arg(ShownLine(name));
 }
 
 // --- What they do -------------------------------------------------------------------------------
@@ -79,75 +79,75 @@ std::span<const ActionRow> UserActions::Rows() {
   static constexpr ActionRow kRows[] = {
       {.action = UserAction::OpenFiles,
        .menu = MenuName::File,
-       .text = QT_TR_NOOP("&Open Files..."),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Open Files..."),
        .keys = "Ctrl+O"},
       {.action = UserAction::OpenFolder,
        .menu = MenuName::File,
-       .text = QT_TR_NOOP("Open &Folder..."),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "Open &Folder..."),
        .keys = "Ctrl+Shift+O"},
       {.action = UserAction::OpenAddress,
        .menu = MenuName::File,
-       .text = QT_TR_NOOP("Open &Address..."),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "Open &Address..."),
        .keys = "Ctrl+L"},
       {.action = UserAction::Quit,
        .menu = MenuName::File,
-       .text = QT_TR_NOOP("&Quit"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Quit"),
        .keys = "Ctrl+Q",
        .traits = Row::kBeginsGroup,
        .word = "quit",
-       .help = QT_TR_NOOP("Quit the program")},
+       .help = "Quit the program"},
       {.action = UserAction::PlayPause,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Play or Pause"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Play or Pause"),
        .keys = "Space",
        .word = "play-pause",
-       .help = QT_TR_NOOP("Play or pause"),
+       .help = "Play or pause",
        .refusal = IfNothingIsQueued,
        .run = Do<&Player::PlayPause>},
       {.action = UserAction::Play,
        .word = "play",
-       .help = QT_TR_NOOP("Resume, or play the queue from its start"),
+       .help = "Resume, or play the queue from its start",
        .refusal = IfNothingIsQueued,
        .run = Do<&Player::Play>},
       {.action = UserAction::Pause,
        .word = "pause",
-       .help = QT_TR_NOOP("Pause"),
+       .help = "Pause",
        .refusal = IfNothingPlays,
        .run = Do<&Player::Pause>},
       {.action = UserAction::Stop,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Stop"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Stop"),
        .keys = "Ctrl+.",
        .word = "stop",
-       .help = QT_TR_NOOP("Stop playing and listening"),
+       .help = "Stop playing and listening",
        .run = Do<&Player::Stop>},
       {.action = UserAction::Previous,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("P&revious"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "P&revious"),
        .keys = "P",
        .traits = Row::kBeginsGroup,
        .word = "previous",
-       .help = QT_TR_NOOP("Restart this entry, or play the previous one"),
+       .help = "Restart this entry, or play the previous one",
        .refusal = IfNoPrevious,
        .run = Do<&Player::Previous>},
       {.action = UserAction::Next,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Next"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Next"),
        .keys = "N",
        .word = "next",
-       .help = QT_TR_NOOP("Play the next entry"),
+       .help = "Play the next entry",
        .refusal = IfNoNext,
        .run = Do<&Player::Next>},
       {.action = UserAction::SeekBack,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Back 5 Seconds"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Back 5 Seconds"),
        .keys = "Left",
        .traits = Row::kRepeats,
        .refusal = IfNotSeekable,
        .run = SeekBy<-1>},
       {.action = UserAction::SeekForward,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Forward 5 Seconds"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Forward 5 Seconds"),
        .keys = "Right",
        .traits = Row::kRepeats,
        .refusal = IfNotSeekable,
@@ -155,82 +155,84 @@ std::span<const ActionRow> UserActions::Rows() {
       {.action = UserAction::Seek,
        .word = "seek",
        .argument = ActionArgument::Seconds,
-       .help = QT_TR_NOOP("Seek to second S; +S and -S seek forward and back"),
+       .help = "Seek to second S; +S and -S seek forward and back",
        .refusal = IfNotSeekable,
        .run = Seek},
       {.action = UserAction::Louder,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("Volume &Up"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "Volume &Up"),
        .keys = "Up",
        .traits = Row::kRepeats | Row::kBeginsGroup,
        .run = ChangeVolume<1>},
       {.action = UserAction::Quieter,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("Volume &Down"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "Volume &Down"),
        .keys = "Down",
        .traits = Row::kRepeats,
        .run = ChangeVolume<-1>},
       {.action = UserAction::SetVolume,
        .word = "volume",
        .argument = ActionArgument::Percent,
-       .help = QT_TR_NOOP("Set the volume, 0 to 100; +N and -N change it"),
+       .help = "Set the volume, 0 to 100; +N and -N change it",
        .run = SetVolume},
       {.action = UserAction::Mute,
        .menu = MenuName::Playback,
-       .text = QT_TR_NOOP("&Mute"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Mute"),
        .keys = "M",
        .traits = Row::kCheckable,
        .run = [](Player& player, const QStringList&) { player.SetMuted(!player.IsMuted()); }},
       {.action = UserAction::Open,
        .word = "open",
        .argument = ActionArgument::Media,
-       .help = QT_TR_NOOP("Play files, folders, playlists and addresses"),
+       .help = "Play files, folders, playlists and addresses",
        .run = [](Player& player, const QStringList& media) { player.Open(media); }},
       {.action = UserAction::ChooseSource,
        .menu = MenuName::Sound,
-       .text = QT_TR_NOOP("&Choose Source..."),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Choose Source..."),
        .keys = "O"},
       {.action = UserAction::Listen,
        .word = "listen",
        .argument = ActionArgument::Source,
-       .help = QT_TR_NOOP("Listen to a source, or to what the computer plays"),
+       .help = "Listen to a source, or to what the computer plays",
        .refusal = IfUnknownSource,
        .run = [](Player& player, const QStringList& source) { player.Listen(source.value(0)); }},
       {.action = UserAction::FullScreen,
        .menu = MenuName::View,
-       .text = QT_TR_NOOP("&Full Screen"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Full Screen"),
        .keys = "F; F11",
        .traits = Row::kCheckable,
        .word = "fullscreen",
-       .help = QT_TR_NOOP("Enter or leave full screen")},
+       .help = "Enter or leave full screen"},
       {.action = UserAction::LeaveFullScreen,
        .menu = MenuName::View,
-       .text = QT_TR_NOOP("&Leave Full Screen"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Leave Full Screen"),
        .keys = "Esc"},
       {.action = UserAction::ShowBar,
        .menu = MenuName::View,
-       .text = QT_TR_NOOP("&Transport Bar"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Transport Bar"),
        .keys = "Ctrl+T",
        .traits = Row::kCheckable | Row::kBeginsGroup},
       {.action = UserAction::KeepDrawing,
        .menu = MenuName::View,
-       .text = QT_TR_NOOP("Keep &Drawing When Idle"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "Keep &Drawing When Idle"),
        .keys = "Ctrl+D",
        .traits = Row::kCheckable},
       {.action = UserAction::Configure,
        .menu = MenuName::View,
-       .text = QT_TR_NOOP("&Configure %1..."),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Configure %1..."),
        .traits = Row::kBeginsGroup},
       {.action = UserAction::PressKeys,
        .word = "key",
        .argument = ActionArgument::Keys,
-       .help = QT_TR_NOOP("Press keys: a character, or a name such as Left or Ctrl+Q")},
+       .help = "Press keys: a character, or a name such as Left or Ctrl+Q"},
       {.action = UserAction::Raise}, // for other programs only
       {.action = UserAction::ShowKeys,
        .menu = MenuName::Help,
-       .text = QT_TR_NOOP("&Keyboard Shortcuts"),
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&Keyboard Shortcuts"),
        .keys = "F1"},
-      {.action = UserAction::About, .menu = MenuName::Help, .text = QT_TR_NOOP("&About Halvenor")},
+      {.action = UserAction::About,
+       .menu = MenuName::Help,
+       .text = QT_TRANSLATE_NOOP("halvenor::UserActions", "&About Halvenor")},
   };
   return kRows;
 }

@@ -59,12 +59,12 @@ struct ActionRow {
 
   UserAction action;
   MenuName menu = MenuName::None;
-  const char* text = ""; ///< in the menu and in the help; to be translated
+  const char* text = ""; ///< in the menu and on the card of keys; to be translated
   const char* keys = ""; ///< QKeySequence, separated by "; "; the first one is shown
   unsigned traits = 0;   ///< of `Trait`
   const char* word = ""; ///< of `--control`; empty: not offered there
   ActionArgument argument = ActionArgument::None;
-  const char* help = ""; ///< for `--control`; to be translated
+  const char* help = ""; ///< for `--control`, in English like all that a terminal gets
   /// Why it cannot be done now; empty: it can. Null: it always can.
   QString (*refusal)(const Player& player, const QStringList& arguments) = nullptr;
   /// Null: an action of the window, which has a handler.

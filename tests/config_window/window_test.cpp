@@ -8,6 +8,7 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QSlider>
 
@@ -242,6 +243,64 @@ TEST_F(WindowFixture, WorksByKeyboardAndSpeaksToScreenReaders) {
   }
   EXPECT_LE(Window()->minimumSizeHint().width(), 1024);
   EXPECT_LE(Window()->minimumSizeHint().height(), 560);
+}
+
+// A widget of the host's, which has its own way with languages.
+class HostWidget : public QWidget {
+public:
+  int changes = 0;
+
+protected:
+  void changeEvent(QEvent* event) override { changes += event->type() == QEvent::LanguageChange; }
+};
+
+TEST_F(WindowFixture, SpeaksTheLanguageOfThePersonAndOfNobodyElse) {
+  const struct {
+    const char* language;
+    const char* title;
+    const char* save;
+    const char* choice;
+    const char* saved;
+  } cases[] = {
+      {"de_DE.UTF-8", "Einstellungen \u2014 Halvenor", "&Speichern", "Quadratwurzel",
+       "Dieser Look ist als \u201eMein Look\u201c gespeichert."},
+      {"fr_CA.UTF-8", "Configuration \u2014 Halvenor", "&Enregistrer", "Racine carr\u00e9e",
+       "Cette apparence est enregistr\u00e9e sous \u00ab\u00a0Mon apparence\u00a0\u00bb."},
+      {"C.UTF-8", "Settings \u2014 Halvenor", "&Save", "Square root",
+       "Saved this look as \"My Look\"."},
+  };
+  for (const auto& [language, title, save, choice, saved] : cases) {
+    qputenv("LC_ALL", language);
+    const HostWidget host;
+    Open();
+    EXPECT_EQ(Window()->windowTitle(), title);
+    EXPECT_EQ(Find<QAbstractButton>("save")->text(), save);
+    EXPECT_EQ(Find<QComboBox>("frequencyScale")->currentText(), choice);
+    EXPECT_EQ(Host::CallLocked(LoadedModule().addPreset), status::kOk);
+    EXPECT_EQ(Message(), saved);
+
+    QStringList letters;
+    for (const auto* widget : Window()->findChildren<QWidget*>()) {
+      const QKeySequence letter =
+          QKeySequence::mnemonic(widget->property("text").toString()); // of labels and buttons
+      EXPECT_FALSE(letters.contains(letter.toString())) << qPrintable(letter.toString());
+      if (!letter.isEmpty()) letters.append(letter.toString());
+    }
+    EXPECT_GT(letters.size(), 20) << language;
+    // On the left and right half of small screens nothing is cut.
+    EXPECT_LE(Window()->minimumSizeHint().width(), 640) << language;
+    Window()->resize(640, 700);
+    QTest::qWait(0);
+    for (const auto* button : Window()->findChildren<QPushButton*>())
+      EXPECT_GE(button->width(), button->minimumSizeHint().width()) << qPrintable(button->text());
+
+    Window()->close();
+    emit QCoreApplication::instance()->aboutToQuit({});
+    EXPECT_EQ(QCoreApplication::translate("halvenor::PresetList", "Presets"), "Presets");
+    EXPECT_EQ(host.changes, 0);
+    QDir(PresetsFolder()).removeRecursively();
+  }
+  qputenv("LC_ALL", "C.UTF-8");
 }
 
 } // namespace

@@ -299,6 +299,42 @@ TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
   EXPECT_EQ(program.Count("[vrnd]"), records);
 }
 
+// The window and the settings window of the plug-in do; whoever asks by a terminal is answered in
+// English.
+TEST_F(OneDeskTest, SpeaksTheLanguageOfTheEnvironment) {
+  const QString text = Write("notes.txt", "no sound in here\n");
+  const struct {
+    const char* language;
+    const char* fault;
+    const char* title;
+  } cases[] = {{"de_DE.UTF-8", "ist keine unterst\u00fctzte Audiodatei", "Einstellungen "},
+               {"fr:de", "n\u2019est pas un fichier audio pris en charge", "Configuration "},
+               {"en_GB:de", "isn't a supported audio file", "Settings "}};
+  for (const auto& [language, fault, title] : cases) {
+    QProcessEnvironment environment = desk->Environment();
+    const bool isList = QString(language).contains(':');
+    environment.insert("LC_ALL", isList ? "nl_NL.UTF-8" : language);
+    environment.insert("LANGUAGE", isList ? language : "");
+    Program program({text}, environment);
+    const std::string line = "halvenor: " + text.toStdString() + ": " + fault;
+    EXPECT_TRUE(Eventually([&] { return program.Has(line); })) << line;
+    EXPECT_TRUE(desk->PressUntil("c", [&, title = title] {
+      return desk->Run("xdotool", {"getactivewindow", "getwindowname"}).startsWith(title);
+    })) << title;
+
+    QProcess control;
+    control.setProcessEnvironment(environment);
+    control.start(HALVENOR_PROGRAM, {"--control", "pause"});
+    ASSERT_TRUE(control.waitForFinished());
+    EXPECT_EQ(control.readAllStandardError(), "halvenor: Nothing is playing\n");
+    control.start(HALVENOR_PROGRAM, {"--help"});
+    ASSERT_TRUE(control.waitForFinished());
+    EXPECT_TRUE(control.readAllStandardOutput().contains("\n  Ctrl+O          Open Files\n"));
+    program.Signal(SIGTERM);
+    EXPECT_EQ(program.ExitStatus(), EXIT_SUCCESS);
+  }
+}
+
 TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
   const QString text = Write("notes.txt", "no sound in here\n");
   QProcessEnvironment nowhere = desk->Environment();

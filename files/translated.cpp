@@ -6,16 +6,16 @@
 namespace halvenor {
 namespace {
 
-std::atomic<TextTranslator> current = nullptr;
+std::atomic<TextTranslator> textTranslator = nullptr;
 
 } // namespace
 
 void SetTextTranslator(TextTranslator translator) {
-  current = translator;
+  textTranslator = translator;
 }
 
 std::string Translated(const char* context, const char* text) {
-  const TextTranslator translator = current;
+  const TextTranslator translator = textTranslator;
   return translator ? translator(context, text) : text;
 }
 

@@ -8,8 +8,15 @@
 namespace halvenor::raster {
 namespace {
 
-const Image& ImageOf(const Source& source) {
-  return source.version ? source.version->image : *source.level;
+bool IsZero(const Component* row, int n) {
+  constexpr int kBlock = 64;
+  for (int i = 0; i < n; i += kBlock) {
+    int all = 0;
+    for (int k = i; k < std::min(i + kBlock, n); ++k)
+      all |= row[k];
+    if (all != 0) return false;
+  }
+  return true;
 }
 
 /// Whether the first command draws over all that is there.
@@ -24,10 +31,15 @@ bool IsReplaced(const Version& version) {
 }
 
 void DrawBackground(const Version& version, const Band& band) {
-  for (int y = band.begin; y < band.end; ++y)
-    for (int plane = 0; plane < version.Planes(); ++plane)
+  const auto& background = version.background;
+  const bool isBlack = background[0] == 0 && background[1] == 0 && background[2] == 0;
+  for (int y = band.begin; y < band.end; ++y) {
+    if (isBlack) band.rows.Blacken(y, version.width);
+    for (int plane = isBlack ? 3 : 0; plane < version.Planes(); ++plane)
       std::fill_n(band.rows.At(y, plane), version.width,
-                  static_cast<Component>(version.background[static_cast<std::size_t>(plane)]));
+                  static_cast<Component>(background[static_cast<std::size_t>(plane)]));
+    if (!isBlack) band.rows.MarkColored(y);
+  }
 }
 
 void AddAlpha(const Version& version, const Band& band) {
@@ -35,24 +47,37 @@ void AddAlpha(const Version& version, const Band& band) {
     std::fill_n(band.rows.At(y, 3), version.width, static_cast<Component>(kOne));
 }
 
+void FinishRows(const Version& version, const Band& band) {
+  const int width = version.width;
+  for (int y = band.begin; y < band.end; ++y) {
+    if (version.Planes() == 3 && !band.rows.IsBlack(y)) {
+      const bool isBlack = IsZero(band.rows.At(y, 0), width) && IsZero(band.rows.At(y, 1), width) &&
+                           IsZero(band.rows.At(y, 2), width);
+      if (isBlack) band.rows.Blacken(y, width);
+    }
+    for (int plane = band.rows.IsBlack(y) ? 3 : 0; plane < version.Planes(); ++plane) {
+      Component* const row = band.rows.At(y, plane);
+      std::fill_n(row - kRowEdge, kRowEdge, row[0]);
+      std::fill_n(row + width, kRowEdge, row[width - 1]);
+    }
+  }
+}
+
 } // namespace
 
-std::unique_ptr<Scratch> Scratch::For(const Version& version, bool withBand) {
-  auto scratch = std::make_unique<Scratch>();
-  int width = version.width;
-  int padded = 1;
-  for (const Command& command : version.commands)
-    if (const auto* const filter = std::get_if<Filter>(&command)) {
-      width = std::max(width, filter->source.version->width);
-      padded = 2 * static_cast<int>(Filter::kMaxTaps);
-    }
-  if (withBand) scratch->band_ = Image(version.width, kBandRows);
-  scratch->colors_ = Image(width, 2);
-  scratch->padded_ = Image(width + kRowPadding, padded);
-  scratch->rows_ = Image(width, static_cast<int>(kRows));
-  const bool isMade =
-      scratch->colors_ && scratch->padded_ && scratch->rows_ && (!withBand || scratch->band_);
-  return isMade ? std::move(scratch) : nullptr;
+void RowPlaces::Blacken(int y, int width) const {
+  if (IsBlack(y)) return;
+  for (int plane = 0; plane < 3; ++plane)
+    std::fill_n(At(y, plane) - kRowEdge, width + 2 * kRowEdge, Component{0});
+  black[y] = 1;
+}
+
+bool Scratch::Fit(const Version& version, bool withBand) {
+  const auto isWide = [&](const Image& image) { return image && image.Width() >= version.width; };
+  if (withBand && !isWide(band_)) band_ = Image(version.width, kBandRows);
+  if (!isWide(colors_)) colors_ = Image(version.width, 2);
+  if (!isWide(rows_)) rows_ = Image(version.width, static_cast<int>(kRows));
+  return colors_ && rows_ && (!withBand || band_);
 }
 
 void Scratch::Forget() {
@@ -60,7 +85,7 @@ void Scratch::Forget() {
 }
 
 const Component* const* Scratch::Resampled(const Source& source, int row, int pixels) {
-  const Image& image = ImageOf(source);
+  const Image& image = source.version ? source.version->image : *source.level;
   std::size_t oldest = 0;
   for (std::size_t i = 0; i < kRows; ++i) {
     CachedRow& cached = cached_[i];
@@ -73,14 +98,19 @@ const Component* const* Scratch::Resampled(const Source& source, int row, int pi
   cached_[oldest] = {&image, source.across.get(), row, ++order_};
   const int planes = source.opaque ? kPlanes - 1 : kPlanes;
   for (int plane = 0; plane < planes; ++plane) {
+    const Component*& place = places_[oldest][static_cast<std::size_t>(plane)];
+    if (source.across->isIdentity) {
+      place = image.Row(row, plane) + source.across->first[0];
+      continue;
+    }
     Component* const out = rows_.Row(static_cast<int>(oldest), plane);
-    places_[oldest][static_cast<std::size_t>(plane)] = out;
+    place = out;
     GetKernels().resample(*source.across, image.Row(row, plane), out, pixels);
   }
   return places_[oldest].data();
 }
 
-void DrawBand(const Version& version, const Band& band, Scratch& scratch) {
+void DrawBand(const Version& version, const Band& band, bool isKept, Scratch& scratch) {
   const int planes = version.Planes();
   if (!version.isDrawn) {
     if (!IsReplaced(version)) DrawBackground(version, band);
@@ -103,7 +133,7 @@ void DrawBand(const Version& version, const Band& band, Scratch& scratch) {
     }
     const Command& command = commands[i++];
     if (const auto* const filter = std::get_if<Filter>(&command))
-      DrawFilter(*filter, band, planes, scratch);
+      DrawFilter(*filter, band, planes);
     else if (const auto* const fill = std::get_if<Fill>(&command))
       DrawFill(*fill, band, planes);
     else if (const auto* const segments = std::get_if<Segments>(&command))
@@ -113,6 +143,7 @@ void DrawBand(const Version& version, const Band& band, Scratch& scratch) {
     else if (const auto* const programmed = std::get_if<Programmed>(&command))
       DrawProgrammed(*programmed, band, planes);
   }
+  if (isKept) FinishRows(version, band);
 }
 
 } // namespace halvenor::raster

@@ -12,11 +12,16 @@ namespace halvenor::raster {
 /// Where rows lie; row 0 need not be there.
 struct RowPlaces {
   Component* base = nullptr;
+  std::uint8_t* black = nullptr; ///< marks, see `Image`
   std::ptrdiff_t pitch = 0;
   int stride = 0;
   [[nodiscard]] Component* At(int y, int plane) const {
     return base + pitch * y + std::ptrdiff_t{stride} * plane;
   }
+  [[nodiscard]] bool IsBlack(int y) const { return black[y] != 0; }
+  void MarkColored(int y) const { black[y] = 0; }
+  /// Makes the colors of a row of `width` pixels 0.
+  void Blacken(int y, int width) const;
 };
 
 struct Band {
@@ -37,18 +42,14 @@ struct CachedRow {
 /// One thread's memory while it draws a version.
 class Scratch {
 public:
-  /// Null without memory. `withBand`: with rows to draw a band into.
-  static std::unique_ptr<Scratch> For(const Version& version, bool withBand);
+  /// Grows to what `version` needs; `withBand`: with rows to draw a band into. False without memory.
+  bool Fit(const Version& version, bool withBand);
 
   /// Rows of a band, as wide as the version.
   [[nodiscard]] const Image& BandImage() const { return band_; }
   /// Plane `plane` of a row for a source's colors.
   [[nodiscard]] Component* Colors(int plane) const { return colors_.Row(0, plane); }
   [[nodiscard]] Component* Mixed(int plane) const { return colors_.Row(1, plane); }
-  /// A row of a filter's source with its edges continued to both sides; `slot` < 64.
-  [[nodiscard]] Component* Padded(int slot, int plane) const {
-    return padded_.Row(slot, plane) + kRowPadding / 2;
-  }
   /// Texel row `row` of a source, one component a pixel. Begins anew where `Forget` was called.
   const Component* const* Resampled(const Source& source, int row, int pixels);
   void Forget();
@@ -57,18 +58,18 @@ private:
   static constexpr std::size_t kRows = 12;
   Image band_;
   Image colors_;
-  Image padded_;
   Image rows_;
   std::array<CachedRow, kRows> cached_;
   std::array<std::array<const Component*, kPlanes>, kRows> places_{};
   int order_ = 0;
 };
 
-void DrawBand(const Version& version, const Band& band, Scratch& scratch);
+/// `isKept`: others will look up the rows, whose edges and marks are brought up to date.
+void DrawBand(const Version& version, const Band& band, bool isKept, Scratch& scratch);
 
 // By kind of command; `planes` is how many the picture has.
 void DrawQuadRow(const Quad& quad, const RowPlaces& rows, int y, int planes, Scratch& scratch);
-void DrawFilter(const Filter& filter, const Band& band, int planes, Scratch& scratch);
+void DrawFilter(const Filter& filter, const Band& band, int planes);
 void DrawProgrammed(const Programmed& command, const Band& band, int planes);
 void DrawFill(const Fill& fill, const Band& band, int planes);
 void DrawSegments(const Segments& segments, const Band& band, int planes);

@@ -77,7 +77,7 @@ struct Quad {
 
 /// A weighted sum of a picture's pixels at whole distances, each written as it comes out.
 struct Filter {
-  static constexpr int kReach = kRowPadding / 4; ///< of a tap, to both sides
+  static constexpr int kReach = kRowEdge; ///< of a tap, to both sides
   static constexpr std::size_t kMaxTaps = 32;
   struct Tap {
     int dx = 0;

@@ -1,6 +1,5 @@
 #include "raster/context.h"
 
-#include "raster/executor.h"
 #include "raster/recorder.h"
 #include "raster/state.h"
 
@@ -72,7 +71,7 @@ void Context::MakeCurrent(Context* context) {
 }
 
 void Context::SetThreads(int threads) {
-  state_->workers.SetThreads(threads);
+  state_->executor.SetThreads(threads);
 }
 
 void Context::Bind(const Target& target) {
@@ -106,8 +105,8 @@ bool Context::Finish(const Target& target, const Destination& destination) {
   Surface& surface = *target.surface_;
   try {
     if (!surface.version && !surface.Begin({})) return false;
-    if (surface.isShown && !Draw(*surface.version, state_->workers)) return false;
-    const bool isDone = DrawTo(*surface.version, destination, state_->workers);
+    if (surface.isShown && !state_->executor.Draw(*surface.version)) return false;
+    const bool isDone = state_->executor.DrawTo(*surface.version, destination);
     if (!surface.isShown) surface.Begin({});
     return isDone;
   } catch (const std::bad_alloc&) {

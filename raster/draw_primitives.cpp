@@ -90,7 +90,18 @@ void DrawSegment(const Segment& segment, const Pen& pen, const Box& box, const B
     first = std::max(first, box.left);
     end = std::min(end, box.right);
   }
+  if (first >= end) return;
   std::int64_t across = segment.across + std::int64_t{segment.slope} * (first - segment.first);
+  if (segment.upward != 0) {
+    for (int y = first; y < end; ++y)
+      band.rows.MarkColored(y);
+  } else {
+    const std::int64_t last = across + std::int64_t{segment.slope} * (end - 1 - first);
+    const auto low = static_cast<int>(std::min(across, last) >> 16);
+    const auto high = static_cast<int>(std::max(across, last) >> 16);
+    for (int y = std::max(low, bottom); y <= std::min(high, top - 1); ++y)
+      band.rows.MarkColored(y);
+  }
   for (int i = first; i < end; ++i, across += segment.slope) {
     const int other = static_cast<int>(across >> 16);
     if (segment.upward != 0) {
@@ -108,7 +119,12 @@ void DrawGradient(const Gradient& gradient, const Gradients& gradients, const Ba
   if (gradient.upward != 0) {
     first = std::max<int>(first, band.begin);
     end = std::min<int>(end, band.end);
-  } else if (gradients.adds) {
+    for (int y = first; y < end; ++y)
+      band.rows.MarkColored(y);
+  } else {
+    band.rows.MarkColored(gradient.position);
+  }
+  if (gradient.upward == 0 && gradients.adds) {
     for (int plane = 0; plane < 3; ++plane)
       GetKernels().shade(gradient.color[static_cast<std::size_t>(plane)],
                          gradient.slope[static_cast<std::size_t>(plane)],
@@ -155,6 +171,7 @@ void DrawFill(const Fill& fill, const Band& band, int planes) {
   const Pen pen(fill.blend, fill.color, band.rows, planes);
   const int pixels = fill.box.right - fill.box.left;
   for (int y = std::max(band.begin, fill.box.bottom); y < std::min(band.end, fill.box.top); ++y) {
+    band.rows.MarkColored(y);
     if (!linear.isPossible) {
       for (int x = fill.box.left; x < fill.box.right; ++x)
         pen.Draw(x, y);
@@ -182,7 +199,7 @@ void DrawGradients(const Gradients& gradients, const Band& band, int planes) {
   for (int y = band.begin; y < band.end; ++y) {
     Component* const rows[] = {band.rows.At(y, 0), band.rows.At(y, 1), band.rows.At(y, 2)};
     for (const Sheet& sheet : gradients.sheets)
-      GetKernels().shadeColumns(sheet, y, rows);
+      if (GetKernels().shadeColumns(sheet, y, rows)) band.rows.MarkColored(y);
   }
   for (const Gradient& gradient : gradients.bands[static_cast<std::size_t>(band.number)])
     DrawGradient(gradient, gradients, band, planes);

@@ -81,6 +81,7 @@ void DrawProgrammed(const Programmed& command, const Band& band, int planes) {
   const Box& box = command.box;
   std::array<Vec4, kRowBatch> colors;
   for (int y = std::max(band.begin, box.bottom); y < std::min(band.end, box.top); ++y) {
+    band.rows.MarkColored(y);
     for (int left = box.left; left < box.right; left += kRowBatch) {
       Varyings varyings = command.atFirst;
       for (std::size_t i = 0; i < varyings.size(); ++i)

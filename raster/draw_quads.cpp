@@ -126,10 +126,95 @@ bool BlendPlanes(const Quad& quad, const RowPlaces& rows, int y, int planes, Scr
   return false;
 }
 
+const Image& ImageOf(const Source& source) {
+  return source.version ? source.version->image : *source.level;
+}
+
+/// Whether the source's colors are 0 all along a row of the quad.
+bool IsBlack(const Quad& quad, int y) {
+  const auto row = static_cast<std::size_t>(y - quad.box.bottom);
+  const auto isBlack = [row](const Source& source) {
+    const Image& image = ImageOf(source);
+    return image.IsBlack(source.up->first[row]) &&
+           (source.up->weight[row] == 0 || image.IsBlack(source.up->second[row]));
+  };
+  const bool keepsBlack = !quad.hasPolynomial || (quad.polynomial[0][0] == 0 &&
+                                                  quad.polynomial[1][0] == 0 &&
+                                                  quad.polynomial[2][0] == 0);
+  return keepsBlack && std::all_of(quad.sources.begin(), quad.sources.end(), isBlack);
+}
+
+/// Black leaves an opaque picture as it is, or replaces it by black.
+bool DrawBlack(const Quad& quad, const RowPlaces& rows, int y, int planes) {
+  if (planes != 3 || !IsBlack(quad, y)) return false;
+  if (quad.blend == Blend{}) {
+    if (rows.IsBlack(y)) return true;
+    const int pixels = quad.box.right - quad.box.left;
+    for (int plane = 0; plane < planes; ++plane)
+      std::fill_n(rows.At(y, plane) + quad.box.left, pixels, Component{0});
+    return true;
+  }
+  return quad.blend == Blend{GL_SRC_ALPHA, GL_ONE} ||
+         quad.blend == Blend{GL_ONE, GL_ONE_MINUS_SRC_COLOR};
+}
+
+/// Where the taps of one row's first pixel look, in the first plane.
+struct Lookups {
+  std::array<const Component*, Filter::kMaxTaps> rows;
+  std::array<int, Filter::kMaxTaps> factors;
+  int count = 0;
+};
+
+/// Those at black rows are left out where only colors count.
+Lookups FindLookups(const Filter& filter, int y, int planes) {
+  const Image& image = filter.source.version->image;
+  Lookups lookups;
+  for (const Filter::Tap& tap : filter.taps) {
+    const int row = std::clamp(y + filter.offsetY + tap.dy, 0, image.Height() - 1);
+    if (planes == 3 && image.IsBlack(row)) continue;
+    const auto i = static_cast<std::size_t>(lookups.count++);
+    lookups.rows[i] = image.Row(row) + filter.box.left + filter.offsetX + tap.dx;
+    lookups.factors[i] = Factor(tap.weight);
+  }
+  return lookups;
+}
+
+/// Where pixels look beyond the edges that the rows have.
+void FilterFarPixels(const Filter& filter, const RowPlaces& rows, int y, int plane) {
+  const Image& image = filter.source.version->image;
+  for (int x = filter.box.left; x < filter.box.right; ++x) {
+    int sum = 0;
+    for (const Filter::Tap& tap : filter.taps) {
+      const int row = std::clamp(y + filter.offsetY + tap.dy, 0, image.Height() - 1);
+      const int texel = std::clamp(x + filter.offsetX + tap.dx, 0, image.Width() - 1);
+      sum += Product(image.Row(row, plane)[texel], Factor(tap.weight));
+    }
+    rows.At(y, plane)[x] = static_cast<Component>(std::min(sum, kOne));
+  }
+}
+
+Component EvenAlpha(const Filter& filter) {
+  int sum = 0;
+  for (const Filter::Tap& tap : filter.taps)
+    sum += Product(kOne, Factor(tap.weight));
+  return static_cast<Component>(std::min(sum, kOne));
+}
+
+bool ReachesFar(const Filter& filter) {
+  const int left = filter.box.left + filter.offsetX;
+  const int right = filter.box.right + filter.offsetX;
+  const int end = filter.source.version->image.Width() + kRowEdge;
+  return std::any_of(filter.taps.begin(), filter.taps.end(), [=](const Filter::Tap& tap) {
+    return left + tap.dx < -kRowEdge || right + tap.dx > end;
+  });
+}
+
 } // namespace
 
 void DrawQuadRow(const Quad& quad, const RowPlaces& rows, int y, int planes, Scratch& scratch) {
   if (y < quad.box.bottom || y >= quad.box.top) return;
+  if (DrawBlack(quad, rows, y, planes)) return;
+  rows.MarkColored(y);
   if (DrawScaled(quad, rows, y, planes, scratch)) return;
   const bool needsAlpha = planes == kPlanes || quad.evenAlpha < 0;
   MakeColors(quad, y, needsAlpha ? kPlanes : kPlanes - 1, scratch);
@@ -140,51 +225,29 @@ void DrawQuadRow(const Quad& quad, const RowPlaces& rows, int y, int planes, Scr
   BlendRow(quad, rows, y, planes, scratch);
 }
 
-void DrawFilter(const Filter& filter, const Band& band, int planes, Scratch& scratch) {
+void DrawFilter(const Filter& filter, const Band& band, int planes) {
   const Image& image = filter.source.version->image;
   const int pixels = filter.box.right - filter.box.left;
   const int begin = std::max(band.begin, filter.box.bottom);
   const int end = std::min(band.end, filter.box.top);
-  const int from = filter.box.left + filter.offsetX; // texel of the first pixel
-  constexpr int kSlots = 2 * static_cast<int>(Filter::kMaxTaps);
-  std::array<int, kSlots> held;
-  held.fill(-1);
-  const auto padded = [&](int row) {
-    const int texel = std::clamp(row, 0, image.Height() - 1);
-    const int slot = texel % kSlots;
-    if (held[static_cast<std::size_t>(slot)] == texel) return slot;
-    held[static_cast<std::size_t>(slot)] = texel;
+  const bool reachesFar = ReachesFar(filter);
+  for (int y = begin; y < end; ++y) {
+    const Lookups lookups = FindLookups(filter, y, planes);
+    if (lookups.count == 0 && band.rows.IsBlack(y)) continue;
     for (int plane = 0; plane < planes; ++plane) {
-      Component* const out = scratch.Padded(slot, plane);
-      if (plane == 3 && filter.source.opaque) {
-        std::fill_n(out - Filter::kReach, pixels + 2 * Filter::kReach, Component{kOne});
-        continue;
-      }
-      const Component* const in = image.Row(texel, plane);
-      for (int x = -Filter::kReach; x < 0; ++x)
-        out[x] = in[std::clamp(from + x, 0, image.Width() - 1)];
-      for (int x = pixels; x < pixels + Filter::kReach; ++x)
-        out[x] = in[std::clamp(from + x, 0, image.Width() - 1)];
-      if (from >= 0 && from + pixels <= image.Width())
-        std::copy_n(in + from, pixels, out);
+      Component* const target = band.rows.At(y, plane) + filter.box.left;
+      if (plane == 3 && filter.source.opaque)
+        std::fill_n(target, pixels, EvenAlpha(filter));
+      else if (lookups.count == 0)
+        std::fill_n(target, pixels, Component{0});
+      else if (reachesFar)
+        FilterFarPixels(filter, band.rows, y, plane);
       else
-        for (int x = 0; x < pixels; ++x)
-          out[x] = in[std::clamp(from + x, 0, image.Width() - 1)];
+        GetKernels().filter(lookups.rows.data(), std::ptrdiff_t{image.Stride()} * plane,
+                            lookups.factors.data(), lookups.count, target, pixels);
     }
-    return slot;
-  };
-  std::array<const Component*, Filter::kMaxTaps> rows;
-  std::array<int, Filter::kMaxTaps> factors;
-  for (int y = begin; y < end; ++y)
-    for (int plane = 0; plane < planes; ++plane) {
-      for (std::size_t i = 0; i < filter.taps.size(); ++i) {
-        const Filter::Tap& tap = filter.taps[i];
-        rows[i] = scratch.Padded(padded(y + filter.offsetY + tap.dy), plane) + tap.dx;
-        factors[i] = Factor(tap.weight);
-      }
-      GetKernels().filter(rows.data(), factors.data(), static_cast<int>(filter.taps.size()),
-                          band.rows.At(y, plane) + filter.box.left, pixels);
-    }
+    if (lookups.count != 0) band.rows.MarkColored(y);
+  }
 }
 
 } // namespace halvenor::raster

@@ -4,8 +4,6 @@
 #include "raster/kernels.h"
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 
 namespace halvenor::raster {
 namespace {
@@ -21,28 +19,21 @@ void ForEachSource(Version& version, const Visit& visit) {
   }
 }
 
-bool DrawSources(Version& version, Workers& workers) {
-  bool isDone = true;
-  ForEachSource(version, [&](Source& source) {
-    if (source.version && !source.version->IsComplete())
-      isDone = Draw(*source.version, workers) && isDone;
-  });
-  return isDone;
-}
-
 int NumBands(const Version& version) {
   return (version.height + kBandRows - 1) / kBandRows;
 }
 
-/// Each thread's own memory: null if there is none.
-std::vector<std::unique_ptr<Scratch>> MakeScratch(const Version& version, const Workers& workers,
-                                                  bool withBand) {
-  std::vector<std::unique_ptr<Scratch>> all(static_cast<std::size_t>(workers.Threads()));
-  for (auto& scratch : all) {
-    scratch = Scratch::For(version, withBand);
-    if (!scratch) return {};
+RowPlaces PlacesOf(const Image& image) {
+  return {image.Row(0), image.BlackMarks(), image.Pitch(), image.Stride()};
+}
+
+void CopyRows(const Image& image, const Band& band, int width) {
+  for (int y = band.begin; y < band.end; ++y) {
+    if (image.IsBlack(y)) band.rows.Blacken(y, width);
+    for (int plane = image.IsBlack(y) ? 3 : 0; plane < kPlanes; ++plane)
+      std::copy_n(image.Row(y, plane), width, band.rows.At(y, plane));
+    if (!image.IsBlack(y)) band.rows.MarkColored(y);
   }
-  return all;
 }
 
 void Convert(const Version& version, const Band& band, const Destination& to) {
@@ -57,9 +48,11 @@ void Convert(const Version& version, const Band& band, const Destination& to) {
       planes[plane] = band.rows.At(y, plane) + left;
     if (to.opaque || version.opaque) planes[3] = nullptr;
     const int row = to.height - 1 - (y - to.y);
-    GetKernels().toBytes(planes, to.order == Destination::Order::Bgra,
-                         to.topRow + to.stride * row + std::ptrdiff_t{left - to.x} * 4,
-                         right - left);
+    std::uint8_t* const bytes = to.topRow + to.stride * row + std::ptrdiff_t{left - to.x} * 4;
+    if (planes[3] == nullptr && band.rows.IsBlack(y))
+      GetKernels().blackBytes(bytes, right - left);
+    else
+      GetKernels().toBytes(planes, to.order == Destination::Order::Bgra, bytes, right - left);
   }
   if (to.rowsFinished != nullptr)
     to.rowsFinished(to.refCon, to.height - (top - to.y), to.height - (bottom - to.y));
@@ -67,19 +60,33 @@ void Convert(const Version& version, const Band& band, const Destination& to) {
 
 } // namespace
 
-bool Draw(Version& version, Workers& workers) {
+bool Executor::DrawSources(Version& version) {
+  bool isDone = true;
+  ForEachSource(version, [&](Source& source) {
+    if (source.version && !source.version->IsComplete())
+      isDone = Draw(*source.version) && isDone;
+  });
+  return isDone;
+}
+
+bool Executor::FitScratch(const Version& version, bool withBand) {
+  scratch_.resize(static_cast<std::size_t>(workers_.Threads()));
+  return std::all_of(scratch_.begin(), scratch_.end(),
+                     [&](Scratch& scratch) { return scratch.Fit(version, withBand); });
+}
+
+bool Executor::Draw(Version& version) {
   if (version.IsComplete()) return true;
-  if (!DrawSources(version, workers)) return false;
+  if (!DrawSources(version)) return false;
   if (!version.image) version.image = Image(version.width, version.height);
-  const auto scratch = MakeScratch(version, workers, false);
-  if (!version.image || scratch.empty()) return false;
-  workers.Run(NumBands(version), [&](int ticket, int thread) {
+  if (!version.image || !FitScratch(version, false)) return false;
+  workers_.Run(NumBands(version), [&](int ticket, int thread) {
     Band band;
     band.number = ticket;
     band.begin = ticket * kBandRows;
     band.end = std::min(band.begin + kBandRows, version.height);
-    band.rows = {version.image.Row(0), version.image.Pitch(), version.image.Stride()};
-    DrawBand(version, band, *scratch[static_cast<std::size_t>(thread)]);
+    band.rows = PlacesOf(version.image);
+    DrawBand(version, band, true, scratch_[static_cast<std::size_t>(thread)]);
   });
   version.isDrawn = true;
   version.lacksAlpha = version.opaque;
@@ -89,24 +96,22 @@ bool Draw(Version& version, Workers& workers) {
   return true;
 }
 
-bool DrawTo(Version& version, const Destination& destination, Workers& workers) {
-  if (!DrawSources(version, workers)) return false;
-  const auto scratch = MakeScratch(version, workers, true);
-  if (scratch.empty()) return false;
-  workers.Run(NumBands(version), [&](int ticket, int thread) {
-    Scratch& mine = *scratch[static_cast<std::size_t>(thread)];
+bool Executor::DrawTo(Version& version, const Destination& destination) {
+  if (!DrawSources(version)) return false;
+  if (!FitScratch(version, true)) return false;
+  workers_.Run(NumBands(version), [&](int ticket, int thread) {
+    Scratch& mine = scratch_[static_cast<std::size_t>(thread)];
     // From the top, as pictures are shown.
     Band band;
     band.number = NumBands(version) - 1 - ticket;
     band.begin = band.number * kBandRows;
     band.end = std::min(band.begin + kBandRows, version.height);
     const Image& image = mine.BandImage();
-    band.rows = {image.Row(0) - image.Pitch() * band.begin, image.Pitch(), image.Stride()};
-    if (version.isDrawn)
-      for (int y = band.begin; y < band.end; ++y)
-        std::memcpy(band.rows.At(y, 0), version.image.Row(y),
-                    static_cast<std::size_t>(image.Pitch()) * sizeof(Component));
-    DrawBand(version, band, mine);
+    band.rows = PlacesOf(image);
+    band.rows.base -= image.Pitch() * band.begin;
+    band.rows.black -= band.begin;
+    if (version.isDrawn) CopyRows(version.image, band, version.width);
+    DrawBand(version, band, false, mine);
     Convert(version, band, destination);
   });
   return true;

@@ -133,12 +133,36 @@ void ApplyPolynomial(const int* p, Component* target, int n) {
   });
 }
 
-void Filter(const Component* const* rows, const int* factors, int count, Component* target, int n) {
-  ForEach(n, [=](auto d, int i) {
-    auto sum = Times(d, hn::LoadU(d, rows[0] + i), Broadcast(d, factors[0]));
-    for (int k = 1; k < count; ++k)
-      sum = hn::SaturatedAdd(sum, Times(d, hn::LoadU(d, rows[k] + i), Broadcast(d, factors[k])));
-    hn::StoreU(sum, d, target + i);
+void Filter(const Component* const* rows, std::ptrdiff_t offset, const int* factors, int count,
+            Component* target, int n) {
+  const hn::ScalableTag<std::int16_t> d;
+  const int width = static_cast<int>(hn::Lanes(d));
+  int begin = 0;
+  // Several vectors share each factor.
+  for (; begin + 4 * width <= n; begin += 4 * width) {
+    auto sum0 = hn::Zero(d);
+    auto sum1 = sum0;
+    auto sum2 = sum0;
+    auto sum3 = sum0;
+    for (int k = 0; k < count; ++k) {
+      const Component* const row = rows[k] + offset + begin;
+      const auto factor = Broadcast(d, factors[k]);
+      sum0 = hn::SaturatedAdd(sum0, Times(d, hn::LoadU(d, row), factor));
+      sum1 = hn::SaturatedAdd(sum1, Times(d, hn::LoadU(d, row + width), factor));
+      sum2 = hn::SaturatedAdd(sum2, Times(d, hn::LoadU(d, row + 2 * width), factor));
+      sum3 = hn::SaturatedAdd(sum3, Times(d, hn::LoadU(d, row + 3 * width), factor));
+    }
+    hn::StoreU(sum0, d, target + begin);
+    hn::StoreU(sum1, d, target + begin + width);
+    hn::StoreU(sum2, d, target + begin + 2 * width);
+    hn::StoreU(sum3, d, target + begin + 3 * width);
+  }
+  ForEach(n - begin, [=](auto tag, int i) {
+    auto sum = hn::Zero(tag);
+    for (int k = 0; k < count; ++k)
+      sum = hn::SaturatedAdd(sum, Times(tag, hn::LoadU(tag, rows[k] + offset + begin + i),
+                                        Broadcast(tag, factors[k])));
+    hn::StoreU(sum, tag, target + begin + i);
   });
 }
 
@@ -165,11 +189,13 @@ void Shade(std::int32_t color, std::int32_t slope, Component* target, int n) {
   }
 }
 
-void ShadeColumns(const Sheet& sheet, int y, Component* const* planes) {
+bool ShadeColumns(const Sheet& sheet, int y, Component* const* planes) {
   const int blocks = static_cast<int>(sheet.blockFirst.size());
+  bool isAny = false;
   for (int block = 0; block < blocks; ++block) {
     const auto number = static_cast<std::size_t>(block);
     if (y < sheet.blockFirst[number] || y >= sheet.blockEnd[number]) continue;
+    isAny = true;
     const int begin = block * Sheet::kBlock;
 #if HWY_TARGET != HWY_SCALAR
     const hn::CappedTag<std::int32_t, Sheet::kBlock> d;
@@ -201,6 +227,7 @@ void ShadeColumns(const Sheet& sheet, int y, Component* const* planes) {
     }
 #endif
   }
+  return isAny;
 }
 
 void ToBytes(const Component* const* planes, bool swaps, std::uint8_t* bytes, int n) {
@@ -234,10 +261,26 @@ void ToBytes(const Component* const* planes, bool swaps, std::uint8_t* bytes, in
   }
 }
 
+void BlackBytes(std::uint8_t* bytes, int n) {
+  constexpr std::uint8_t kPixel[4] = {0, 0, 0, 255};
+  std::uint32_t pixel;
+  std::memcpy(&pixel, kPixel, sizeof pixel);
+  int i = 0;
+#if HWY_TARGET != HWY_SCALAR
+  const hn::ScalableTag<std::uint32_t> d;
+  const hn::Repartition<std::uint8_t, decltype(d)> d8;
+  const auto pixels = hn::BitCast(d8, hn::Set(d, pixel));
+  for (; i + static_cast<int>(hn::Lanes(d)) <= n; i += static_cast<int>(hn::Lanes(d)))
+    hn::StoreU(pixels, d8, bytes + 4 * i);
+#endif
+  for (; i < n; ++i)
+    std::memcpy(bytes + 4 * i, &pixel, sizeof pixel);
+}
+
 const Kernels* Table() {
   static constexpr Kernels kTable = {
       Resample,        Mix,    Put,   Fade,         Accumulate, Screen,
-      ApplyPolynomial, Filter, Shade, ShadeColumns, ToBytes};
+      ApplyPolynomial, Filter, Shade, ShadeColumns, ToBytes, BlackBytes};
   return &kTable;
 }
 

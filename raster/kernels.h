@@ -5,6 +5,7 @@
 #include "raster/commands.h"
 #include "raster/pixels.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace halvenor::raster {
@@ -28,15 +29,18 @@ struct Kernels {
   void (*screen)(const Component* a, Component* target, int n);
   /// target = p[0] + target x (p[1] + target x (p[2] + target x p[3]))
   void (*polynomial)(const int* p, Component* target, int n);
-  /// target = the sum of rows[i] x factors[i]
-  void (*filter)(const Component* const* rows, const int* factors, int count, Component* target,
-                 int n);
+  /// target = the sum of (rows[i] + offset) x factors[i]
+  void (*filter)(const Component* const* rows, std::ptrdiff_t offset, const int* factors, int count,
+                 Component* target, int n);
   /// target[i] += (color + i x slope) / 32768; what is added lies in 0..kOne.
   void (*shade)(std::int32_t color, std::int32_t slope, Component* target, int n);
-  /// Adds row `y` of a sheet to three planes of a row that begin at column 0.
-  void (*shadeColumns)(const Sheet& sheet, int y, Component* const* planes);
+  /// Adds row `y` of a sheet to three planes of a row that begin at column 0. False when there is
+  /// nothing in that row.
+  bool (*shadeColumns)(const Sheet& sheet, int y, Component* const* planes);
   /// Bytes of red, green, blue and alpha (null: opaque) in this order; `swaps`: blue first.
   void (*toBytes)(const Component* const* planes, bool swaps, std::uint8_t* bytes, int n);
+  /// Bytes of opaque black.
+  void (*blackBytes)(std::uint8_t* bytes, int n);
 };
 
 /// The best for this machine. What it says is fixed by the first call, but for `UseKernels`.

@@ -1,5 +1,4 @@
 // Upright rectangles: plain ones, textured ones, and those that programs color.
-#include "raster/executor.h"
 #include "raster/programs/taps.h"
 #include "raster/recorder.h"
 
@@ -145,7 +144,7 @@ private:
     Surface& shown = *texture_.shown;
     if (!shown.version && !shown.Begin({})) throw std::bad_alloc();
     // Trails that nobody looks at are made of those before them, on and on.
-    if (shown.version->depth > kMostDepth && !Draw(*shown.version, state_.workers))
+    if (shown.version->depth > kMostDepth && !state_.executor.Draw(*shown.version))
       throw std::bad_alloc();
     return shown.version;
   }

@@ -1,6 +1,5 @@
 #include "raster/recorder.h"
 
-#include "raster/executor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -154,7 +153,7 @@ void RecordPrimitives(State& state, GLenum mode, std::span<const Vertex> vertice
     RecordTriangles(state, *version, mode, pixels);
   }
   // What is recorded takes memory only for so long.
-  if (version->cost > kMostCost && !Draw(*version, state.workers)) state.Fail(GL_OUT_OF_MEMORY);
+  if (version->cost > kMostCost && !state.executor.Draw(*version)) state.Fail(GL_OUT_OF_MEMORY);
 }
 
 void RecordBitmap(State& state, const BitmapList& list) {

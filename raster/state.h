@@ -1,13 +1,13 @@
 // The state of one context, as GL keeps it.
 #pragma once
 
+#include "raster/executor.h"
 #include "raster/matrix.h"
 #include "raster/programs/program.h"
 #include "raster/programs/program_text.h"
 #include "raster/resampling.h"
 #include "raster/surface.h"
 #include "raster/texture.h"
-#include "raster/workers.h"
 
 #include <GL/gl.h>
 
@@ -112,7 +112,7 @@ struct State {
   GLsizei arrayStride = 0;             ///< bytes
 
   std::weak_ptr<Surface> target;
-  Workers workers;
+  Executor executor;
 
   [[nodiscard]] Matrix& Top() { return matrices.back(); }
   /// GL keeps the first error until it is read.

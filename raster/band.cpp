@@ -97,16 +97,17 @@ const Component* const* Scratch::Resampled(const Source& source, int row, int pi
   }
   cached_[oldest] = {&image, source.across.get(), row, ++order_};
   const int planes = source.opaque ? kPlanes - 1 : kPlanes;
+  std::array<const Component*, kPlanes> texels{};
+  std::array<Component*, kPlanes> outs{};
   for (int plane = 0; plane < planes; ++plane) {
-    const Component*& place = places_[oldest][static_cast<std::size_t>(plane)];
-    if (source.across->isIdentity) {
-      place = image.Row(row, plane) + source.across->first[0];
-      continue;
-    }
-    Component* const out = rows_.Row(static_cast<int>(oldest), plane);
-    place = out;
-    GetKernels().resample(*source.across, image.Row(row, plane), out, pixels);
+    const auto p = static_cast<std::size_t>(plane);
+    texels[p] = image.Row(row, plane);
+    outs[p] = rows_.Row(static_cast<int>(oldest), plane);
+    places_[oldest][p] =
+        source.across->isIdentity ? texels[p] + source.across->first[0] : outs[p];
   }
+  if (!source.across->isIdentity)
+    GetKernels().resample(*source.across, texels.data(), outs.data(), planes, pixels);
   return places_[oldest].data();
 }
 

@@ -48,6 +48,12 @@ struct Resampling {
   std::vector<std::int16_t> blockStart;
   std::vector<std::uint8_t> blockShuffle; ///< 16 bytes a block
   std::vector<std::uint8_t> blockIsNarrow;
+  /// The same for longer blocks: which texel from its first one each pixel begins at, and within
+  /// how many texels all of them lie.
+  static constexpr int kLongBlock = 32;
+  std::vector<std::int16_t> longStart;
+  std::vector<std::int16_t> longIndex;
+  std::vector<std::int16_t> longReach; ///< 0: second texels do not follow the first ones
   bool isIdentity = false; ///< pixel i is texel `first[0]` + i
 };
 

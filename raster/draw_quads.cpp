@@ -48,6 +48,31 @@ bool DrawScaled(const Quad& quad, const RowPlaces& rows, int y, int planes, Scra
   return true;
 }
 
+std::array<int, 4> FactorsOf(const Quad& quad, std::size_t plane) {
+  std::array<int, 4> factors{};
+  std::transform(quad.polynomial[plane].begin(), quad.polynomial[plane].end(), factors.begin(),
+                 Factor);
+  return factors;
+}
+
+/// A polynomial of one source, screened or added: the glow.
+bool DrawShining(const Quad& quad, const RowPlaces& rows, int y, int planes, Scratch& scratch) {
+  if (!quad.hasPolynomial || quad.sources.size() != 1 || planes != 3) return false;
+  const Source& source = quad.sources[0];
+  const bool adds = quad.blend == Blend{GL_SRC_ALPHA, GL_ONE} && quad.evenAlpha >= 0;
+  if (source.weight != kFactorOne || !(adds || quad.blend == Blend{GL_ONE, GL_ONE_MINUS_SRC_COLOR}))
+    return false;
+  const int pixels = quad.box.right - quad.box.left;
+  const Lines lines = FindLines(source, y - quad.box.bottom, pixels, scratch);
+  for (int plane = 0; plane < planes; ++plane) {
+    const auto p = static_cast<std::size_t>(plane);
+    const std::array<int, 4> factors = FactorsOf(quad, p);
+    GetKernels().shine(lines.below[p], lines.above[p], lines.weight, factors.data(),
+                       adds ? quad.evenAlpha : -1, rows.At(y, plane) + quad.box.left, pixels);
+  }
+  return true;
+}
+
 /// The source's colors of a row, alpha included, into the scratch.
 void MakeColors(const Quad& quad, int y, int planes, Scratch& scratch) {
   const Kernels& kernels = GetKernels();
@@ -73,8 +98,7 @@ void MakeColors(const Quad& quad, int y, int planes, Scratch& scratch) {
     const auto p = static_cast<std::size_t>(plane);
     Component* const out = scratch.Colors(plane);
     if (quad.hasPolynomial) {
-      std::array<int, 4> factors{};
-      std::transform(quad.polynomial[p].begin(), quad.polynomial[p].end(), factors.begin(), Factor);
+      const std::array<int, 4> factors = FactorsOf(quad, p);
       kernels.polynomial(factors.data(), out, pixels);
     } else if (quad.scale[p] != kFactorOne) {
       kernels.fade(Factor(quad.scale[p]), 0, out, pixels);
@@ -216,6 +240,7 @@ void DrawQuadRow(const Quad& quad, const RowPlaces& rows, int y, int planes, Scr
   if (DrawBlack(quad, rows, y, planes)) return;
   rows.MarkColored(y);
   if (DrawScaled(quad, rows, y, planes, scratch)) return;
+  if (DrawShining(quad, rows, y, planes, scratch)) return;
   const bool needsAlpha = planes == kPlanes || quad.evenAlpha < 0;
   MakeColors(quad, y, needsAlpha ? kPlanes : kPlanes - 1, scratch);
   if (BlendPlanes(quad, rows, y, planes, scratch)) return;

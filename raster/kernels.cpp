@@ -39,35 +39,122 @@ void ForEach(int n, const Step& step) {
     step(single, i);
 }
 
-void Resample(const Resampling& resampling, const Component* row, Component* out, int n) {
-  if (resampling.isIdentity) {
-    std::memcpy(out, row + resampling.first[0], static_cast<std::size_t>(n) * sizeof *out);
-    return;
+#if HWY_TARGET != HWY_SCALAR
+/// Rows[plane] of 8 pixels from `begin` on.
+inline void ResampleBlock(const Resampling& resampling, const Component* const* rows,
+                          Component* const* outs, int planes, int begin) {
+  const auto block = static_cast<std::size_t>(begin / 8);
+  const hn::FixedTag<std::int16_t, 8> d;
+  const hn::FixedTag<std::uint8_t, 16> bytes;
+  const auto shuffle = hn::LoadU(bytes, &resampling.blockShuffle[16 * block]);
+  const auto weight = hn::LoadU(d, resampling.weight.data() + begin);
+  for (int plane = 0; plane < planes; ++plane) {
+    const Component* const texels = rows[plane] + resampling.blockStart[block];
+    const auto a =
+        hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels)), shuffle));
+    const auto b =
+        hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels + 1)), shuffle));
+    hn::StoreU(hn::Add(a, Times(d, hn::Sub(b, a), weight)), d, outs[plane] + begin);
   }
-  const std::int16_t* const first = resampling.first.data();
-  const std::int16_t* const second = resampling.second.data();
-  const std::int16_t* const weight = resampling.weight.data();
-  for (int begin = 0; begin < n; begin += 8) {
+}
+#endif
+
+#if HWY_TARGET == HWY_AVX2
+/// The same for 16 pixels.
+inline void ResampleTwoBlocks(const Resampling& resampling, const Component* const* rows,
+                              Component* const* outs, int planes, int begin) {
+  const auto block = static_cast<std::size_t>(begin / 8);
+  const hn::FixedTag<std::int16_t, 16> d;
+  const hn::Half<decltype(d)> half;
+  const hn::FixedTag<std::uint8_t, 32> bytes;
+  const auto shuffle = hn::LoadU(bytes, &resampling.blockShuffle[16 * block]);
+  const auto weight = hn::LoadU(d, resampling.weight.data() + begin);
+  const int first = resampling.blockStart[block];
+  const int second = resampling.blockStart[block + 1];
+  for (int plane = 0; plane < planes; ++plane) {
+    const auto load = [=](int shift) {
+      const Component* const row = rows[plane] + shift;
+      const auto texels =
+          hn::Combine(d, hn::LoadU(half, row + second), hn::LoadU(half, row + first));
+      return hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(bytes, texels), shuffle));
+    };
+    const auto a = load(0);
+    hn::StoreU(hn::Add(a, Times(d, hn::Sub(load(1), a), weight)), d, outs[plane] + begin);
+  }
+}
+#endif
+
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+/// The same for 32 pixels; false where their texels lie too far from each other.
+inline bool ResampleLongBlock(const Resampling& resampling, const Component* const* rows,
+                              Component* const* outs, int planes, int begin) {
+  const auto block = static_cast<std::size_t>(begin / Resampling::kLongBlock);
+  const hn::FixedTag<std::int16_t, Resampling::kLongBlock> d;
+  const int reach = resampling.longReach[block];
+  if (reach == 0 || reach > 63) return false;
+  const auto index = hn::LoadU(d, resampling.longIndex.data() + begin);
+  const auto weight = hn::LoadU(d, resampling.weight.data() + begin);
+  const auto put = [&](int plane, auto a, auto b) {
+    hn::StoreU(hn::Add(a, Times(d, hn::Sub(b, a), weight)), d, outs[plane] + begin);
+  };
+  using Texels = hn::VFromD<decltype(d)>;
+  for (int plane = 0; plane < planes; ++plane) {
+    const Component* const texels = rows[plane] + resampling.longStart[block];
+    if (reach <= Resampling::kLongBlock) {
+      const Texels a{_mm512_permutexvar_epi16(index.raw, hn::LoadU(d, texels).raw)};
+      const Texels b{_mm512_permutexvar_epi16(index.raw, hn::LoadU(d, texels + 1).raw)};
+      put(plane, a, b);
+    } else {
+      const auto low = hn::LoadU(d, texels);
+      const auto high = hn::LoadU(d, texels + Resampling::kLongBlock);
+      const auto next = hn::Add(index, hn::Set(d, std::int16_t{1}));
+      const Texels a{_mm512_permutex2var_epi16(low.raw, index.raw, high.raw)};
+      const Texels b{_mm512_permutex2var_epi16(low.raw, next.raw, high.raw)};
+      put(plane, a, b);
+    }
+  }
+  return true;
+}
+#endif
+
+void Resample(const Resampling& resampling, const Component* const* rows, Component* const* outs,
+              int planes, int n) {
+  int begin = 0;
+  while (begin < n) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+    if (begin % Resampling::kLongBlock == 0 &&
+        ResampleLongBlock(resampling, rows, outs, planes, begin)) {
+      begin += Resampling::kLongBlock;
+      continue;
+    }
+#endif
 #if HWY_TARGET != HWY_SCALAR
     const auto block = static_cast<std::size_t>(begin / 8);
+#if HWY_TARGET == HWY_AVX2
+    if (begin + 8 < n && resampling.blockIsNarrow[block] != 0 &&
+        resampling.blockIsNarrow[block + 1] != 0) {
+      ResampleTwoBlocks(resampling, rows, outs, planes, begin);
+      begin += 16;
+      continue;
+    }
+#endif
     if (resampling.blockIsNarrow[block] != 0) {
-      const hn::FixedTag<std::int16_t, 8> d;
-      const hn::FixedTag<std::uint8_t, 16> bytes;
-      const Component* const texels = row + resampling.blockStart[block];
-      const auto shuffle = hn::LoadU(bytes, &resampling.blockShuffle[16 * block]);
-      const auto a =
-          hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels)), shuffle));
-      const auto b = hn::BitCast(
-          d, hn::TableLookupBytes(hn::BitCast(bytes, hn::LoadU(d, texels + 1)), shuffle));
-      hn::StoreU(hn::Add(a, Times(d, hn::Sub(b, a), hn::LoadU(d, weight + begin))), d, out + begin);
+      ResampleBlock(resampling, rows, outs, planes, begin);
+      begin += 8;
       continue;
     }
 #endif
     const int end = std::min(begin + 8, n);
-    for (int i = begin; i < end; ++i) {
-      const int a = row[first[i]];
-      out[i] = static_cast<Component>(a + (((row[second[i]] - a) * weight[i] + 16384) >> 15));
+    for (int plane = 0; plane < planes; ++plane) {
+      const Component* const row = rows[plane];
+      for (int i = begin; i < end; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        const int a = row[resampling.first[at]];
+        const int way = (row[resampling.second[at]] - a) * resampling.weight[at];
+        outs[plane][i] = static_cast<Component>(a + ((way + 16384) >> 15));
+      }
     }
+    begin = end;
   }
 }
 
@@ -118,21 +205,6 @@ void Screen(const Component* a, Component* target, int n) {
   });
 }
 
-void ApplyPolynomial(const int* p, Component* target, int n) {
-  const int p0 = p[0];
-  const int p1 = p[1];
-  const int p2 = p[2];
-  const int p3 = p[3];
-  ForEach(n, [=](auto d, int i) {
-    const auto x = hn::LoadU(d, target + i);
-    auto y = Broadcast(d, p3);
-    if (p3 != 0) y = Times(d, x, y);
-    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p2)));
-    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p1)));
-    hn::StoreU(hn::SaturatedAdd(y, Broadcast(d, p0)), d, target + i);
-  });
-}
-
 void Filter(const Component* const* rows, std::ptrdiff_t offset, const int* factors, int count,
             Component* target, int n) {
   const hn::ScalableTag<std::int16_t> d;
@@ -163,6 +235,53 @@ void Filter(const Component* const* rows, std::ptrdiff_t offset, const int* fact
       sum = hn::SaturatedAdd(sum, Times(tag, hn::LoadU(tag, rows[k] + offset + begin + i),
                                         Broadcast(tag, factors[k])));
     hn::StoreU(sum, tag, target + begin + i);
+  });
+}
+
+/// Calls `use` with a function that computes the polynomial.
+template <class Use>
+void WithPolynomial(const int* p, const Use& use) {
+  const int p0 = p[0];
+  const int p1 = p[1];
+  const int p2 = p[2];
+  const int p3 = p[3];
+  if (p0 == 0 && p3 == 0) {
+    use([=](auto d, auto x) {
+      return Times(d, x,
+                   hn::SaturatedAdd(Times(d, x, Broadcast(d, p2)), Broadcast(d, p1)));
+    });
+    return;
+  }
+  use([=](auto d, auto x) {
+    auto y = Times(d, x, Broadcast(d, p3));
+    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p2)));
+    y = Times(d, x, hn::SaturatedAdd(y, Broadcast(d, p1)));
+    return hn::SaturatedAdd(y, Broadcast(d, p0));
+  });
+}
+
+void ApplyPolynomial(const int* p, Component* target, int n) {
+  WithPolynomial(p, [=](const auto& polynomial) {
+    ForEach(n, [=](auto d, int i) {
+      hn::StoreU(polynomial(d, hn::LoadU(d, target + i)), d, target + i);
+    });
+  });
+}
+
+void Shine(const Component* a, const Component* b, int weight, const int* p, int alpha,
+           Component* target, int n) {
+  WithPolynomial(p, [=](const auto& polynomial) {
+    ForEach(n, [=](auto d, int i) {
+      const auto from = hn::LoadU(d, a + i);
+      const auto way = Times(d, hn::Sub(hn::LoadU(d, b + i), from), Broadcast(d, weight));
+      const auto source = polynomial(d, hn::Add(from, way));
+      const auto before = hn::LoadU(d, target + i);
+      if (alpha < 0)
+        hn::StoreU(hn::SaturatedAdd(hn::Sub(before, Times(d, before, source)), source), d,
+                   target + i);
+      else
+        hn::StoreU(hn::SaturatedAdd(before, Times(d, source, Broadcast(d, alpha))), d, target + i);
+    });
   });
 }
 
@@ -280,7 +399,7 @@ void BlackBytes(std::uint8_t* bytes, int n) {
 const Kernels* Table() {
   static constexpr Kernels kTable = {
       Resample,        Mix,    Put,   Fade,         Accumulate, Screen,
-      ApplyPolynomial, Filter, Shade, ShadeColumns, ToBytes, BlackBytes};
+      ApplyPolynomial, Shine, Filter, Shade, ShadeColumns, ToBytes, BlackBytes};
   return &kTable;
 }
 

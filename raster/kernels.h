@@ -14,8 +14,9 @@ namespace halvenor::raster {
 /// saturate at `kOne`. `out` may be written up to `kRowPadding` components past `n`; `target` is
 /// not, and may be an operand, too.
 struct Kernels {
-  /// out[i] lies between the row's texels first[i] and second[i].
-  void (*resample)(const Resampling& resampling, const Component* row, Component* out, int n);
+  /// For each plane, outs[plane][i] lies between the texels first[i] and second[i] of its row.
+  void (*resample)(const Resampling& resampling, const Component* const* rows,
+                   Component* const* outs, int planes, int n);
   /// out = a + (b - a) x weight
   void (*mix)(const Component* a, const Component* b, int weight, Component* out, int n);
   /// target = a x factorA + b x factorB - loss, or that much more, if `adds`. Not below 0.
@@ -29,6 +30,9 @@ struct Kernels {
   void (*screen)(const Component* a, Component* target, int n);
   /// target = p[0] + target x (p[1] + target x (p[2] + target x p[3]))
   void (*polynomial)(const int* p, Component* target, int n);
+  /// The polynomial of `mix`, screened over the target (alpha < 0), or added x alpha.
+  void (*shine)(const Component* a, const Component* b, int weight, const int* p, int alpha,
+                Component* target, int n);
   /// target = the sum of (rows[i] + offset) x factors[i]
   void (*filter)(const Component* const* rows, std::ptrdiff_t offset, const int* factors, int count,
                  Component* target, int n);

@@ -30,6 +30,29 @@ void AddBlocks(Resampling& r) {
   }
 }
 
+void AddLongBlocks(Resampling& r) {
+  constexpr std::size_t kLong = Resampling::kLongBlock;
+  const std::size_t blocks = (r.first.size() + kLong - 1) / kLong;
+  r.longStart.resize(blocks);
+  r.longReach.resize(blocks);
+  r.longIndex.resize(blocks * kLong);
+  for (std::size_t block = 0; block < blocks; ++block) {
+    const std::size_t begin = block * kLong;
+    const std::size_t end = std::min(begin + kLong, r.first.size());
+    const int start = *std::min_element(r.first.data() + begin, r.first.data() + end);
+    int reach = 0;
+    bool isEven = true;
+    for (std::size_t i = begin; i < end; ++i) {
+      const int texel = r.first[i] - start;
+      reach = std::max(reach, texel + 1);
+      isEven = isEven && (r.second[i] == r.first[i] + 1 || r.weight[i] == 0);
+      r.longIndex[i] = static_cast<std::int16_t>(texel);
+    }
+    r.longStart[block] = static_cast<std::int16_t>(start);
+    r.longReach[block] = static_cast<std::int16_t>(isEven ? reach : 0);
+  }
+}
+
 } // namespace
 
 int WrapTexel(int texel, int size, GLint wrap) {
@@ -68,6 +91,7 @@ std::shared_ptr<const Resampling> MakeResampling(const Positions& positions) {
     r.isIdentity = r.isIdentity && weight == 0 && first == r.first[0] + static_cast<int>(i);
   }
   AddBlocks(r);
+  AddLongBlocks(r);
   return made;
 }
 

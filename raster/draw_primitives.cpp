@@ -52,14 +52,31 @@ public:
 
   void Draw(int x, int y) const {
     if (!adds_) return DrawSlowly(x, y);
-    for (int plane = 0; plane < planes_; ++plane) {
-      Component& place = rows_.At(y, plane)[x];
-      place = static_cast<Component>(
-          std::min(place + linear_.add[static_cast<std::size_t>(plane)], kOne));
+    Add(rows_.At(y, 0) + x);
+  }
+
+  /// Pixels `first` to `end` - 1 along an axis, those that lie from `low` to `high` - 1 across it.
+  void DrawRun(bool upward, int first, int end, std::int64_t across, std::int32_t slope, int low,
+               int high) const {
+    for (int i = first; i < end; ++i, across += slope) {
+      const int other = static_cast<int>(across >> 16);
+      if (other < low || other >= high) continue;
+      const int x = upward ? other : i;
+      const int y = upward ? i : other;
+      if (!adds_)
+        DrawSlowly(x, y);
+      else
+        Add(rows_.At(y, 0) + x);
     }
   }
 
 private:
+  void Add(Component* place) const {
+    for (int plane = 0; plane < planes_; ++plane, place += rows_.stride)
+      *place = static_cast<Component>(
+          std::min(*place + linear_.add[static_cast<std::size_t>(plane)], kOne));
+  }
+
   void DrawSlowly(int x, int y) const {
     Colors target;
     target[3] = kOne;
@@ -102,14 +119,9 @@ void DrawSegment(const Segment& segment, const Pen& pen, const Box& box, const B
     for (int y = std::max(low, bottom); y <= std::min(high, top - 1); ++y)
       band.rows.MarkColored(y);
   }
-  for (int i = first; i < end; ++i, across += segment.slope) {
-    const int other = static_cast<int>(across >> 16);
-    if (segment.upward != 0) {
-      if (other >= box.left && other < box.right) pen.Draw(other, i);
-    } else if (other >= bottom && other < top) {
-      pen.Draw(i, other);
-    }
-  }
+  const bool upward = segment.upward != 0;
+  pen.DrawRun(upward, first, end, across, segment.slope, upward ? box.left : bottom,
+              upward ? box.right : top);
 }
 
 void DrawGradient(const Gradient& gradient, const Gradients& gradients, const Band& band,

@@ -13,8 +13,21 @@ constexpr float kSubpixels = 256.0F;
 // Lines are cut off this far from the origin, where fixed point would end.
 constexpr float kReach = kMaxSize;
 
+// The library's functions take longer than the rest of a short line.
+float Floor(float value) {
+  constexpr float kWhole = 1 << 23; // larger ones have no fraction
+  if (!(std::fabs(value) < kWhole)) return value;
+  const auto whole = static_cast<float>(static_cast<int>(value));
+  return value < whole ? whole - 1.0F : whole;
+}
+
+int ToFixed(float value) {
+  const double all = static_cast<double>(value) * 65536.0;
+  return static_cast<int>(all < 0.0 ? all - 0.5 : all + 0.5);
+}
+
 float Snap(float value) {
-  return std::floor(value * kSubpixels + 0.5F) / kSubpixels;
+  return Floor(value * kSubpixels + 0.5F) / kSubpixels;
 }
 
 /// Along the longer axis (u) and across it (v).
@@ -38,16 +51,12 @@ bool Cut(Point& from, Point& to) {
 /// Whether the line leaves a diamond in the column of its start (its end): that of the pixel in
 /// whose diamond it starts, or the one that it passes in the middle of the column.
 bool LeavesDiamond(Point at, float du, float slope, bool isStart) {
-  const float u = at.u - std::floor(at.u) - 0.5F;
-  float v = at.v - std::floor(at.v) - 0.5F;
+  const float u = at.u - Floor(at.u) - 0.5F;
+  float v = at.v - Floor(at.v) - 0.5F;
   if (v == -0.5F && slope * du < 0.0F) v = 0.5F;
   if (std::fabs(u) + std::fabs(v) < 0.5F) return isStart;
   const bool isBeforeMiddle = du > 0.0F ? u < 0.0F : u > 0.0F;
   return isBeforeMiddle == isStart;
-}
-
-int ToFixed(float value) {
-  return static_cast<int>(std::lround(value * 65536.0F));
 }
 
 } // namespace
@@ -93,12 +102,13 @@ void AddSegment(Version& version, Segments& segments, const Segment& segment) {
   }
 }
 
-void RecordLine(State& state, Version& version, const PixelVertex& from, const PixelVertex& to) {
-  const float dx = Snap(to.x) - Snap(from.x);
-  const float dy = Snap(to.y) - Snap(from.y);
-  const bool upward = std::fabs(dy) > std::fabs(dx);
+LineRecorder::LineRecorder(State& state, Version& version)
+    : state_(state), version_(version), box_(ViewportBox(state, version.width, version.height)) {}
+
+void LineRecorder::Record(const PixelVertex& from, const PixelVertex& to) {
   Point a = {Snap(from.x), Snap(from.y)};
   Point b = {Snap(to.x), Snap(to.y)};
+  const bool upward = std::fabs(b.v - a.v) > std::fabs(b.u - a.u);
   if (upward) {
     std::swap(a.u, a.v);
     std::swap(b.u, b.v);
@@ -108,8 +118,8 @@ void RecordLine(State& state, Version& version, const PixelVertex& from, const P
   const float slope = (b.v - a.v) / (b.u - a.u);
   const bool drawsStart = LeavesDiamond(a, du, slope, true);
   const bool drawsEnd = LeavesDiamond(b, du, slope, false);
-  const int startPixel = static_cast<int>(std::floor(a.u));
-  const int endPixel = static_cast<int>(std::floor(b.u));
+  const int startPixel = static_cast<int>(Floor(a.u));
+  const int endPixel = static_cast<int>(Floor(b.u));
   int first = std::min(startPixel, endPixel);
   int last = std::max(startPixel, endPixel);
   if (startPixel == endPixel) {
@@ -119,9 +129,8 @@ void RecordLine(State& state, Version& version, const PixelVertex& from, const P
     if (!(startPixel < endPixel ? drawsStart : drawsEnd)) ++first;
     if (!(startPixel < endPixel ? drawsEnd : drawsStart)) --last;
   }
-  const Box box = ViewportBox(state, version.width, version.height);
-  first = std::max(first, upward ? box.bottom : box.left);
-  last = std::min(last, (upward ? box.top : box.right) - 1);
+  first = std::max(first, upward ? box_.bottom : box_.left);
+  last = std::min(last, (upward ? box_.top : box_.right) - 1);
   // Where the line is out of reach across, there is nothing to draw, either.
   const auto acrossAt = [&](int pixel) {
     return a.v + (static_cast<float>(pixel) + 0.5F - a.u) * slope;
@@ -132,28 +141,34 @@ void RecordLine(State& state, Version& version, const PixelVertex& from, const P
   }
   if (first > last) return;
 
-  Segments& segments = OpenSegments(state, version, box);
   Segment segment;
   segment.upward = upward ? 1 : 0;
   segment.slope = ToFixed(slope);
   segment.across = ToFixed(acrossAt(first));
   segment.first = static_cast<std::int16_t>(first);
   segment.count = static_cast<std::uint16_t>(last - first + 1);
-  if (from.color == to.color) {
-    segment.color = AddColor(segments, from.color) & 0x7fffffffU;
-    return AddSegment(version, segments, segment);
-  }
+  if (from.color == to.color) return Add(segment, from.color);
   segment.count = 1;
   for (int pixel = first; pixel <= last; ++pixel) {
     const float share = Unit((static_cast<float>(pixel) + 0.5F - a.u) / (b.u - a.u));
     Vec4 color;
     for (std::size_t i = 0; i < color.size(); ++i)
       color[i] = from.color[i] + (to.color[i] - from.color[i]) * share;
-    segment.color = AddColor(segments, color) & 0x7fffffffU;
     segment.first = static_cast<std::int16_t>(pixel);
-    AddSegment(version, segments, segment);
+    Add(segment, color);
     segment.across += segment.slope;
   }
+}
+
+void LineRecorder::Add(Segment& segment, const Vec4& color) {
+  if (segments_ == nullptr) segments_ = &OpenSegments(state_, version_, box_);
+  if (!hasColor_ || color != color_) {
+    hasColor_ = true;
+    color_ = color;
+    colorNumber_ = AddColor(*segments_, color);
+  }
+  segment.color = colorNumber_ & 0x7fffffffU;
+  AddSegment(version_, *segments_, segment);
 }
 
 } // namespace halvenor::raster

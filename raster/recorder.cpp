@@ -32,11 +32,12 @@ bool IsUpright(const std::array<PixelVertex, 4>& c) {
 
 void RecordLines(State& state, Version& version, GLenum mode,
                  const std::vector<PixelVertex>& vertices) {
+  LineRecorder recorder(state, version);
   const std::size_t step = mode == GL_LINES ? 2 : 1;
   for (std::size_t i = 0; i + 1 < vertices.size(); i += step)
-    RecordLine(state, version, vertices[i], vertices[i + 1]);
+    recorder.Record(vertices[i], vertices[i + 1]);
   if (mode == GL_LINE_LOOP && vertices.size() > 1)
-    RecordLine(state, version, vertices.back(), vertices.front());
+    recorder.Record(vertices.back(), vertices.front());
 }
 
 void RecordTriangles(State& state, Version& version, GLenum mode,

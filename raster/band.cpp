@@ -103,8 +103,7 @@ const Component* const* Scratch::Resampled(const Source& source, int row, int pi
     const auto p = static_cast<std::size_t>(plane);
     texels[p] = image.Row(row, plane);
     outs[p] = rows_.Row(static_cast<int>(oldest), plane);
-    places_[oldest][p] =
-        source.across->isIdentity ? texels[p] + source.across->first[0] : outs[p];
+    places_[oldest][p] = source.across->isIdentity ? texels[p] + source.across->first[0] : outs[p];
   }
   if (!source.across->isIdentity)
     GetKernels().resample(*source.across, texels.data(), outs.data(), planes, pixels);

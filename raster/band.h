@@ -42,7 +42,8 @@ struct CachedRow {
 /// One thread's memory while it draws a version.
 class Scratch {
 public:
-  /// Grows to what `version` needs; `withBand`: with rows to draw a band into. False without memory.
+  /// Grows to what `version` needs; `withBand`: with rows to draw a band into. False without
+  /// memory.
   bool Fit(const Version& version, bool withBand);
 
   /// Rows of a band, as wide as the version.

@@ -54,7 +54,7 @@ struct Resampling {
   std::vector<std::int16_t> longStart;
   std::vector<std::int16_t> longIndex;
   std::vector<std::int16_t> longReach; ///< 0: second texels do not follow the first ones
-  bool isIdentity = false; ///< pixel i is texel `first[0]` + i
+  bool isIdentity = false;             ///< pixel i is texel `first[0]` + i
 };
 
 /// An image that is looked up: another picture or a texture's level.

@@ -162,9 +162,9 @@ bool IsBlack(const Quad& quad, int y) {
     return image.IsBlack(source.up->first[row]) &&
            (source.up->weight[row] == 0 || image.IsBlack(source.up->second[row]));
   };
-  const bool keepsBlack = !quad.hasPolynomial || (quad.polynomial[0][0] == 0 &&
-                                                  quad.polynomial[1][0] == 0 &&
-                                                  quad.polynomial[2][0] == 0);
+  const bool keepsBlack =
+      !quad.hasPolynomial ||
+      (quad.polynomial[0][0] == 0 && quad.polynomial[1][0] == 0 && quad.polynomial[2][0] == 0);
   return keepsBlack && std::all_of(quad.sources.begin(), quad.sources.end(), isBlack);
 }
 

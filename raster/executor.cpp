@@ -63,8 +63,7 @@ void Convert(const Version& version, const Band& band, const Destination& to) {
 bool Executor::DrawSources(Version& version) {
   bool isDone = true;
   ForEachSource(version, [&](Source& source) {
-    if (source.version && !source.version->IsComplete())
-      isDone = Draw(*source.version) && isDone;
+    if (source.version && !source.version->IsComplete()) isDone = Draw(*source.version) && isDone;
   });
   return isDone;
 }

@@ -247,8 +247,7 @@ void WithPolynomial(const int* p, const Use& use) {
   const int p3 = p[3];
   if (p0 == 0 && p3 == 0) {
     use([=](auto d, auto x) {
-      return Times(d, x,
-                   hn::SaturatedAdd(Times(d, x, Broadcast(d, p2)), Broadcast(d, p1)));
+      return Times(d, x, hn::SaturatedAdd(Times(d, x, Broadcast(d, p2)), Broadcast(d, p1)));
     });
     return;
   }
@@ -397,9 +396,9 @@ void BlackBytes(std::uint8_t* bytes, int n) {
 }
 
 const Kernels* Table() {
-  static constexpr Kernels kTable = {
-      Resample,        Mix,    Put,   Fade,         Accumulate, Screen,
-      ApplyPolynomial, Shine, Filter, Shade, ShadeColumns, ToBytes, BlackBytes};
+  static constexpr Kernels kTable = {Resample,        Mix,   Put,    Fade,  Accumulate,   Screen,
+                                     ApplyPolynomial, Shine, Filter, Shade, ShadeColumns, ToBytes,
+                                     BlackBytes};
   return &kTable;
 }
 

@@ -1,6 +1,5 @@
 #include "raster/recorder.h"
 
-
 #include <algorithm>
 #include <cmath>
 

@@ -138,7 +138,10 @@ void OffscreenShow::Press(char key) {
 bool OffscreenShow::Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error) {
   picture_ = picture;
   taken_ = false;
+  port_.destination = picture.data();
+  port_.destinationStride = std::ptrdiff_t{4} * (port_.bounds.right - port_.bounds.left);
   const clock::StepResult result = plugin_->Step(kOrigin + time);
+  port_.destination = nullptr;
   picture_ = {};
   if (result == clock::StepResult::Frame && taken_) return true;
   error = "the plug-in has stopped drawing" + Because();
@@ -157,11 +160,13 @@ void OffscreenShow::TakeFrame(void* refCon, const HalvenorFrame* frame) {
   const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(frame->width);
   const auto rows = static_cast<std::size_t>(frame->height);
   if (self->picture_.size() != rowBytes * rows) return;
+  self->taken_ = true;
+  // The port's own memory, unless somebody else has finished the frame.
   const std::uint8_t* from = frame->topRow;
   std::uint8_t* to = self->picture_.data();
+  if (from == to) return;
   for (std::size_t row = 0; row < rows; ++row, from += frame->stride, to += rowBytes)
     std::memcpy(to, from, rowBytes);
-  self->taken_ = true;
 }
 
 } // namespace halvenor::render

@@ -3,12 +3,16 @@
 #include "files/pending_file.h"
 #include "render/stop_signals.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace halvenor::render {
 namespace {
+
+// What every user may ask for.
+constexpr int kPipeBytes = 1 << 20;
 
 // Raw RGBA frames, to a file or to the program's standard output.
 class RawOutput final : public Output {
@@ -45,6 +49,8 @@ std::unique_ptr<Output> OpenRawOutput(const Options& options, int frames, std::s
   }
   PendingFile file = isStandardOutput ? PendingFile::Adopt(frames, "standard output")
                                       : PendingFile::Create(options.output);
+  // Where it is a pipe, more of a picture fits in at once.
+  if (file) fcntl(file.Descriptor(), F_SETPIPE_SZ, kPipeBytes);
   if (file) return std::make_unique<RawOutput>(std::move(file), FrameBytes(options));
   error = file.Problem();
   return nullptr;

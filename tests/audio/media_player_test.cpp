@@ -1,6 +1,6 @@
 #include "audio/media_player.h"
 #include "tests/audio/slow_speaker.h"
-#include "tests/support/memory_in_use.h"
+#include "tests/support/process_use.h"
 #include "tests/support/sound_files.h"
 
 #include <gmock/gmock.h>
@@ -392,9 +392,6 @@ TEST_F(MediaPlayerTest, RecordsCanBeToldTwoSecondsEarly) {
 // Each has its threads, devices and files; none may be left.
 TEST_F(MediaPlayerTest, ManyMediaLeaveNothingBehind) {
   const std::string path = folder.Write("short.flac", "flacenc", ToneAt(0, 0.3));
-  const auto descriptors = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-  };
   std::ptrdiff_t before = 0;
   for (int i = 0; i < 60; ++i) {
     {
@@ -405,9 +402,9 @@ TEST_F(MediaPlayerTest, ManyMediaLeaveNothingBehind) {
       host.player.Open(path);
       host.PollUntilRecords(i % 5);
     }
-    if (i == 10) before = descriptors();
+    if (i == 10) before = OpenFiles();
   }
-  EXPECT_LE(descriptors(), before + 2);
+  EXPECT_LE(OpenFiles(), before + 2);
 }
 
 // Played twenty times as fast as by the clock on the wall: a few seconds here, an hour's worth with

@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 
 namespace halvenor {
 namespace {
@@ -29,8 +28,7 @@ protected:
   }
 
   std::string Write(const std::string& name, const std::string& bytes) const {
-    fs::create_directories((root / name).parent_path());
-    std::ofstream(root / name, std::ios::binary) << bytes;
+    WriteText(root / name, bytes);
     return root / name;
   }
   /// The entries, "PATH BELOW THE ROOT" or "ADDRESS", and " | TITLE" where there is one.

@@ -1,6 +1,6 @@
 // The configuration window as people use it, through the module's entries.
-#include "platform/debug_log.h"
 #include "tests/config_window/window_fixture.h"
+#include "tests/support/log_lines.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTimer>
@@ -200,14 +200,9 @@ TEST_F(WindowFixture, RestsWhileThereIsNoRecord) {
 }
 
 TEST_F(WindowFixture, LogsEverySettingByName) {
-  std::vector<std::string> lines;
-  debug_log::SetReceiver(
-      [](void* to, std::string_view line) {
-        static_cast<std::vector<std::string>*>(to)->emplace_back(line);
-      },
-      &lines);
+  LogLines log;
   EXPECT_EQ(Host::CallLocked(LoadedModule().logSettings), status::kOk);
-  debug_log::SetReceiver(nullptr, nullptr);
+  const std::vector<std::string> lines = log.Take();
   ASSERT_EQ(lines.size(), SettingFields().size());
   EXPECT_EQ(lines.front(), "intensity = 0.337209");
   EXPECT_EQ(lines.back(), "frameDelay = 10000");

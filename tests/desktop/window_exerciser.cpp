@@ -3,10 +3,9 @@
 #include "desktop/program_settings.h"
 #include "desktop/window/main_window.h"
 #include "host/preference_store.h"
-#include "tests/support/memory_in_use.h"
+#include "tests/support/process_use.h"
 
 #include <QtCore/QDeadlineTimer>
-#include <QtCore/QDir>
 #include <QtCore/QThread>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
@@ -36,10 +35,6 @@ bool RunUntil(const std::function<bool()>& condition) {
 void RunFor(int milliseconds) {
   const QDeadlineTimer deadline(milliseconds);
   RunUntil([&] { return deadline.hasExpired(); });
-}
-
-long OpenFiles() {
-  return static_cast<long>(QDir("/proc/self/fd").entryList(QDir::Files | QDir::System).size());
 }
 
 struct Exercise {
@@ -85,7 +80,7 @@ int Run(const Exercise& exercise, int turns, const char* path) {
   int done = RunUntil([&] { return plugin.IsShown(); }) ? 0 : -1;
   constexpr int kFirst = 10; // until all is there that stays
   long memory = 0;
-  long files = 0;
+  std::ptrdiff_t files = 0;
   for (; done >= 0 && done < turns + kFirst; ++done) {
     if (done <= kFirst) files = std::max(files, OpenFiles()); // buffers come and go
     if (done == kFirst) memory = MemoryInUse();
@@ -93,7 +88,7 @@ int Run(const Exercise& exercise, int turns, const char* path) {
   }
   RunFor(300);
   RunUntil([&] { return OpenFiles() <= files; }); // a compositor may still hold a buffer
-  std::fprintf(stderr, "turns %d files %+ld memory %+ld kB\n", done - kFirst, OpenFiles() - files,
+  std::fprintf(stderr, "turns %d files %+td memory %+ld kB\n", done - kFirst, OpenFiles() - files,
                MemoryInUse() - memory);
   std::fflush(nullptr);
   window.End();

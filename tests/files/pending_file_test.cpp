@@ -1,6 +1,7 @@
 #include "files/file_bytes.h"
 #include "files/locked_folder.h"
 #include "files/pending_file.h"
+#include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,12 +21,6 @@ using testing::ElementsAre;
 
 class PendingFileTest : public testing::Test {
 protected:
-  PendingFileTest() {
-    std::string pattern = testing::TempDir() + "halvenor-files-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~PendingFileTest() override { fs::remove_all(folder_); }
-
   [[nodiscard]] std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder_))
@@ -44,7 +39,8 @@ protected:
     return stat((folder_ / name).c_str(), &state) == 0 ? state.st_mode & 0777 : 0;
   }
 
-  fs::path folder_;
+  const ScratchFolder scratch_;
+  const fs::path& folder_ = scratch_.Path();
 };
 
 TEST_F(PendingFileTest, AppearsWholeAndWithTheRightPermissions) {

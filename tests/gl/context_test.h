@@ -3,10 +3,9 @@
 
 #include "tests/platform/gl_fixture.h"
 #include "tests/stand_ins/stand_in_test.h"
+#include "tests/support/scratch_folder.h"
 
-#include <fstream>
 #include <optional>
-#include <unistd.h>
 
 namespace halvenor {
 
@@ -38,20 +37,14 @@ class ResourcesTest : public ContextTest {
 protected:
   void SetUp() override {
     ContextTest::SetUp();
-    folder_ =
-        std::filesystem::temp_directory_path() / ("halvenor-resources-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder_);
     stand_ins::SetResourcesFolder(folder_);
   }
-  void TearDown() override {
-    std::filesystem::remove_all(folder_);
-    ContextTest::TearDown();
-  }
   void Write(const char* name, std::string_view text) {
-    std::ofstream(folder_ / name, std::ios::binary) << text;
+    WriteText(folder_ / name, std::string(text));
   }
 
-  std::filesystem::path folder_;
+  const ScratchFolder scratch_;
+  const std::filesystem::path& folder_ = scratch_.Path();
 };
 
 } // namespace halvenor

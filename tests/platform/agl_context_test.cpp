@@ -1,6 +1,6 @@
 // Contexts beside those of the host and of other threads, and what they leave behind.
 #include "tests/platform/gl_fixture.h"
-#include "tests/support/memory_in_use.h"
+#include "tests/support/process_use.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>

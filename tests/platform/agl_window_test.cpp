@@ -1,5 +1,6 @@
 // Drawing into windows, on an X server and a Wayland compositor of the suite's own.
 #include "tests/platform/gl_fixture.h"
+#include "tests/support/process_use.h"
 #include "tests/support/servers.h"
 
 #include <EGL/egl.h>

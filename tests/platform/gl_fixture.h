@@ -11,8 +11,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -145,11 +143,6 @@ inline std::string QuartersFault(const Image& image, int left, int top, int widt
   expect(right + 1, bottom, kBlack);
   expect(right, bottom + 1, kBlack);
   return fault.str();
-}
-
-/// How many files this process has open.
-inline std::ptrdiff_t OpenFiles() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 /// An offscreen port that keeps the last frame.

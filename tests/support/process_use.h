@@ -1,6 +1,7 @@
-// How much memory a process uses, for tests of what must not grow.
+// What a process holds, for tests of what must not grow.
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <malloc.h>
 #include <unistd.h>
@@ -13,6 +14,11 @@
 #endif
 
 namespace halvenor {
+
+/// How many files this process has open.
+inline std::ptrdiff_t OpenFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
 
 /// Kilobytes in use. Sanitizers keep what is freed, but know what is not.
 inline long MemoryInUse() {

@@ -121,7 +121,7 @@ bool Run::DrawUntil(std::uint64_t end) {
     if (time >= end) return true;
     PressKeysUntil(time);
     if (frame_ % static_cast<std::uint64_t>(options_.drawsPerFrame) != 0) {
-      if (!show_->DrawTrails(time, error_)) return false;
+      if (!show_->DrawUnseen(time, kHalvenorFrameTrailsOnly, error_)) return false;
       continue;
     }
     const std::span<std::uint8_t> picture = output_->NextFrame();

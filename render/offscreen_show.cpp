@@ -148,9 +148,8 @@ bool OffscreenShow::Draw(std::uint64_t time, std::span<std::uint8_t> picture, st
   return false;
 }
 
-bool OffscreenShow::DrawTrails(std::uint64_t time, std::string& error) {
-  if (plugin_->Step(kOrigin + time, kHalvenorFrameTrailsOnly) == clock::StepResult::Frame)
-    return true;
+bool OffscreenShow::DrawUnseen(std::uint64_t time, HalvenorFrameUse use, std::string& error) {
+  if (plugin_->Step(kOrigin + time, use) == clock::StepResult::Frame) return true;
   error = "the plug-in has stopped drawing" + Because();
   return false;
 }

@@ -36,8 +36,8 @@ public:
   /// for all of its pixels.
   bool Draw(std::uint64_t time, std::span<std::uint8_t> picture, std::string& error);
 
-  /// Steps to `time` with a frame that nobody sees, but whose trails later ones show.
-  bool DrawTrails(std::uint64_t time, std::string& error);
+  /// Steps to `time` with a frame that nobody sees: `use` says what is drawn all the same.
+  bool DrawUnseen(std::uint64_t time, HalvenorFrameUse use, std::string& error);
 
   /// The music has ended.
   void Stop();

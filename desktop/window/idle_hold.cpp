@@ -66,7 +66,9 @@ void IdleHold::Look() {
     nativeWindow_ = window_.windowHandle();
     if (nativeWindow_) nativeWindow_->installEventFilter(this);
   }
-  rule_.SetSeen(IsSeen());
+  const bool isSeen = IsSeen();
+  rule_.SetSeen(isSeen);
+  emit Looked(isSeen);
   rule_.SetAccompanied(IsAccompanied());
   if (player_.CurrentSignal() == Player::Signal::Sound) rule_.Stir(Now());
   if (rule_.Holds(Now())) {

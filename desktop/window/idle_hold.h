@@ -62,6 +62,10 @@ public:
   /// Releases the clock for good.
   void End();
 
+signals:
+  /// It has looked at whether the window is visible at all; comes again and again.
+  void Looked(bool seen);
+
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 

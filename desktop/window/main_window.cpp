@@ -116,6 +116,7 @@ void MainWindow::ConnectPlugin() {
           Qt::SingleShotConnection);
   connect(visualizer_.get(), &Visualizer::Shown, this, [this] { takeLog_(); }); // not of an alert
   connect(visualizer_.get(), &Visualizer::Shown, &parts.idle, &IdleHold::Stir);
+  connect(&parts.idle, &IdleHold::Looked, visualizer_.get(), &Visualizer::SetSeen);
   connect(&parts.area, &DrawingArea::Resized, &parts.idle, &IdleHold::Stir);
   connect(&parts.router, &KeyRouter::Pressed, &parts.idle, &IdleHold::Stir);
   connect(&parts.area, &DrawingArea::MenuWanted, this, &MainWindow::ShowMenu);

@@ -73,6 +73,7 @@ std::unique_ptr<Visualizer> Visualizer::Create(const std::filesystem::path& plug
     error = "The plug-in " + module->Path().string() + " ran out of memory while starting";
     return nullptr;
   }
+  visualizer->SetSeen(true);
   return visualizer;
 }
 
@@ -95,6 +96,10 @@ void Visualizer::TellFullScreen(bool fullScreen) {
   if (options == windowOptions_) return;
   windowOptions_ = options;
   settle_.start(kSwitchMilliseconds);
+}
+
+void Visualizer::SetSeen(bool seen) {
+  plugin_->SetFrameUse(seen ? kHalvenorFrameTimely : kHalvenorFrameTrailsOnly);
 }
 
 void Visualizer::End() {

@@ -36,6 +36,8 @@ public:
   void DrawInto(DrawingArea& area);
   /// Tells the plug-in whether the area covers the screen.
   void TellFullScreen(bool fullScreen);
+  /// While the area cannot be seen, as at the start it can, only trails are drawn.
+  void SetSeen(bool seen);
 
   /// Hides the picture and ends the activation; nothing is shown afterwards. May be repeated.
   void End();

@@ -12,6 +12,7 @@
 #include "render/time_line.h"
 
 #include <cstdio>
+#include <exception>
 #include <fcntl.h>
 #include <filesystem>
 #include <new>

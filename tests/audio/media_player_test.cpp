@@ -1,6 +1,7 @@
 #include "audio/media_player.h"
 #include "tests/audio/slow_speaker.h"
 #include "tests/support/process_use.h"
+#include "tests/support/servers.h"
 #include "tests/support/sound_files.h"
 
 #include <gmock/gmock.h>
@@ -455,12 +456,10 @@ TEST_F(MediaPlayerTest, AListenerMayDestroyThePlayer) {
       if (what == last) host.owned.reset();
     };
     host.player.Open(path);
-    const auto limit = Clock::now() + 10s;
-    while (host.owned && Clock::now() < limit) {
-      std::this_thread::sleep_for(5ms);
+    EXPECT_TRUE(Eventually([&] {
       host.owned->Poll();
-    }
-    EXPECT_FALSE(host.owned) << last;
+      return !host.owned;
+    })) << last;
     EXPECT_EQ(host.lastTold, last);
   }
 }

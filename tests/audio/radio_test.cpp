@@ -5,14 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
 
 namespace halvenor {
 namespace {
 
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using testing::AllOf;
 using testing::Each;
 using testing::ElementsAre;
@@ -40,12 +36,10 @@ protected:
     player.Open(address);
   }
   bool Until(const std::function<bool()>& done) {
-    const auto end = Clock::now() + 30s;
-    while (!done() && Clock::now() < end) {
-      std::this_thread::sleep_for(5ms);
+    return Eventually([&] {
       player.Poll();
-    }
-    return done();
+      return done();
+    });
   }
 
   RadioServer radio;

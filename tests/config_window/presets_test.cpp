@@ -183,14 +183,14 @@ TEST_F(PresetsTest, SwitchByThemselvesUntilSomebodyActs) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return Host::Present().intensity < 0.75F; }));
   EXPECT_EQ(Host::CallLocked(LoadedModule().addPreset), status::kOk);
   const float kept = Host::Present().intensity;
-  QTest::qWait(250);
+  AwaitLooks();
   EXPECT_EQ(Host::Present().intensity, kept);
   ClickOn("aaa");
   EXPECT_TRUE(QTest::qWaitFor([&] { return Host::Present().intensity < kept; }));
   Find<QCheckBox>("glow")->click();
   EXPECT_TRUE(QTest::qWaitFor([&] { return Message().contains("smooth change has ended"); }));
   const Settings stands = Host::Present();
-  QTest::qWait(250);
+  AwaitLooks();
   EXPECT_TRUE(SameLook(Host::Present(), stands));
   EXPECT_EQ(stands.glow, 0);
 }

@@ -119,6 +119,11 @@ void WindowFixture::Open() {
   ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
 }
 
+void WindowFixture::AwaitLooks() {
+  const int before = Host::guards;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Host::guards > before + 3; }));
+}
+
 QWidget* WindowFixture::Window() const {
   QWidget* found = nullptr;
   for (QWidget* widget : QApplication::topLevelWidgets()) {

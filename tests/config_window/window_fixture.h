@@ -54,6 +54,8 @@ protected:
 
   /// Brings it to the front, as the plug-in does.
   void Open();
+  /// Until the window has looked at the record a few times more.
+  static void AwaitLooks();
   QWidget* Window() const;
   template <typename Widget>
   Widget* Find(const char* name) const {

@@ -73,7 +73,7 @@ TEST_F(WindowFixture, ShowsWhatOthersChangeAndWritesNothing) {
   auto* lines = Find<QWidget>("numLines");
   slider->setSliderDown(true);
   Host::Change([](Settings& s) { s.numLines = 90; });
-  QTest::qWait(250);
+  AwaitLooks();
   EXPECT_EQ(Shown(lines), "34.0");
   slider->setSliderDown(false);
   EXPECT_TRUE(QTest::qWaitFor([&] { return Shown(lines) == "90.0"; }));

@@ -3,6 +3,7 @@
 #include "render/time_line.h"
 #include "tests/render/program_run.h"
 #include "tests/support/fake_plugin.h"
+#include "tests/support/servers.h"
 
 #include <gmock/gmock.h>
 #include <gst/gst.h>
@@ -374,8 +375,7 @@ TEST_F(RenderTest, ASignalCleansUp) {
        {std::pair(SIGINT, "x.mp4"), std::pair(SIGTERM, "x.rgba"), std::pair(SIGINT, "x.png")}) {
     const pid_t process = program_.Start({"--plugin", FAKE_PLUGIN, "--size", "1280x720", "-o",
                                           output, "--dump-records", "r", "s.flac"});
-    for (int i = 0; i < 1000 && program_.Errors().find("[vply]") == std::string::npos; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    Eventually([&] { return program_.Errors().find("[vply]") != std::string::npos; });
     kill(process, signal);
     const RunResult result = program_.Wait(process);
     EXPECT_EQ(result.exitCode, 128 + signal);
@@ -391,8 +391,7 @@ TEST_F(RenderTest, ASignalEndsTheProgramWhileALibraryWaits) {
   for (const Arguments& waiting :
        {Arguments{"pipe"}, Arguments{"s.wav", "--dump-records", "pipe"}}) {
     const pid_t process = program_.Start(Arguments{"-o", "x.mkv"} + waiting);
-    for (int i = 0; i < 1000 && program_.Names().size() < 3; ++i) // a temporary file
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    Eventually([&] { return program_.Names().size() >= 3; }); // a temporary file
     kill(process, SIGTERM);
     EXPECT_EQ(program_.Wait(process).exitCode, 128 + SIGTERM);
     EXPECT_THAT(program_.Names(), ElementsAre("pipe", "s.wav"));

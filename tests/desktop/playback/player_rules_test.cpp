@@ -3,9 +3,7 @@
 #include "desktop/playback/media_queue.h"
 #include "desktop/playback/plugin_feed.h"
 #include "desktop/playback/sound_settings.h"
-#include "desktop/remote/control_commands.h"
 #include "desktop/shown_text.h"
-#include "desktop/window/user_actions.h"
 #include "tests/support/fake_plugin.h"
 #include "tests/support/plain_host.h"
 
@@ -81,40 +79,6 @@ TEST(FailureTallyTest, SaysEnoughButNotTooMuch) {
 TEST(ShownTextTest, IsOneHarmlessLine) {
   EXPECT_EQ(ShownLine(QString(" Größe,\r\n\t東京\x1b[31m") + QChar(0x202E)), "Größe, 東京 [31m");
   EXPECT_EQ(ShownLine(QString(1 << 20, 'x'), 10), QString(9, 'x') + QChar(0x2026));
-}
-
-TEST(ControlCommandsTest, RefusesWhatIsNoCommand) {
-  const QStringList good[] = {
-      {"play"},         {"open", "a", "b"}, {"key", "h"},       {"volume", "+5"},
-      {"seek", "-1.5"}, {"listen"},         {"volume", "-300"}, {"quit"}};
-  const QStringList bad[] = {{},
-                             {""},
-                             {"Play"},
-                             {"play", "it"},
-                             {"open"},
-                             {"key"},
-                             {"volume"},
-                             {"volume", "loud"},
-                             {"seek"},
-                             {"seek", ""},
-                             {"seek", "nan"},
-                             {"seek", "1e999"},
-                             {"volume", "300"},
-                             {"volume", "nan"},
-                             {"listen", "a", "b"},
-                             {"play\n"}};
-  for (const QStringList& words : good) {
-    EXPECT_EQ(ControlFault(words), QString()) << words.join(' ').toStdString();
-    EXPECT_EQ(ReadRequest(WriteRequest(words)), words);
-  }
-  for (const QStringList& words : bad) {
-    EXPECT_FALSE(ControlFault(words).isEmpty()) << words.join(' ').toStdString();
-  }
-  for (const char* line : {"", "play\n", "{}\n", "[1]\n", "[\"play\"\n", "\xff\xfe\n"}) {
-    EXPECT_FALSE(ReadRequest(line)) << line;
-  }
-  EXPECT_EQ(ReadAmount("30"), (Amount{30, false}));
-  EXPECT_EQ(ReadAmount("-5")->From(30), 25);
 }
 
 TEST(SoundSettingsTest, TakesOnlyNumbersInRangeFromTheFile) {

@@ -20,13 +20,12 @@ protected:
     return {QString::fromStdString(radio.Address(way))};
   }
   bool Until(const std::function<bool()>& done) {
-    const QDeadlineTimer patience(30'000);
-    while (!done() && !patience.hasExpired()) {
+    return Eventually([&] {
       QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
       server.Poll();
       player->Poll();
-    }
-    return done();
+      return done();
+    });
   }
 
   RadioServer radio;

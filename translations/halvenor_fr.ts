@@ -229,7 +229,7 @@
     </message>
     <message>
         <source>cannot write to %1: %2</source>
-        <translation>Impossible d’écrire dans %1&#xa0;: %2</translation>
+        <translation>impossible d’écrire dans %1&#xa0;: %2</translation>
     </message>
     <message>
         <source>another program is busy with it</source>
@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>cannot write %1: %2</source>
-        <translation>Impossible d’écrire %1&#xa0;: %2</translation>
+        <translation>impossible d’écrire %1&#xa0;: %2</translation>
     </message>
 </context>
 <context>
@@ -792,7 +792,7 @@
     </message>
     <message>
         <source>cannot write %1: %2</source>
-        <translation>Impossible d’écrire %1&#xa0;: %2</translation>
+        <translation>impossible d’écrire %1&#xa0;: %2</translation>
     </message>
     <message>
         <source>there is no preset to write</source>
@@ -856,7 +856,7 @@
     </message>
     <message>
         <source>cannot write %1: it is the folder of the presets</source>
-        <translation>Impossible d’écrire %1&#xa0;: c’est le dossier des préréglages</translation>
+        <translation>impossible d’écrire %1&#xa0;: c’est le dossier des préréglages</translation>
     </message>
     <message>
         <source>contains several presets: import it instead</source>
@@ -872,7 +872,7 @@
     </message>
     <message>
         <source>cannot write to %1: %2</source>
-        <translation>Impossible d’écrire dans %1&#xa0;: %2</translation>
+        <translation>impossible d’écrire dans %1&#xa0;: %2</translation>
     </message>
 </context>
 <context>

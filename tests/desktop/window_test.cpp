@@ -91,7 +91,7 @@ protected:
 TEST_P(WindowTest, TellsThePlugInWhatHappens) {
   std::unique_ptr<Program> program = StartRecorded();
   ASSERT_TRUE(Eventually([&] { return program->HasStart(Area("show", "")); }));
-  EXPECT_TRUE(program->Last("[show]").ends_with(" options 0"));
+  EXPECT_TRUE(program->Last("[show]").ends_with(" options 0 timely"));
   EXPECT_TRUE(Eventually([&] { return program->Count("[vrnd]") > 10; }));
   EXPECT_EQ(program->Lines().front(), "[init] stored: ");
   EXPECT_EQ(program->Last("[vply]"), "[vply] Lanterns on Still Water - the Halvenor authors");

@@ -1,4 +1,5 @@
 // Frames that nobody sees, whoever draws them.
+#include "platform/clock.h"
 #include "platform/gl_choice.h"
 #include "tests/platform/gl_fixture.h"
 
@@ -113,6 +114,31 @@ TEST_P(UnseenFrameTest, DropsWhatIsDrawnAndKeepsWhatIsMade) {
     glDeleteLists(list, 1);
     EXPECT_TRUE(aglDestroyPBuffer(buffer.buffer));
     glDeleteTextures(1, &buffer.texture);
+  }
+}
+
+// The clock goes on by as much as each frame takes.
+TEST_P(UnseenFrameTest, LateFramesHaveNoPictureWhereTheyAreToBeTimely) {
+  const struct {
+    std::uint64_t milliseconds;
+    std::string shown;
+  } cases[] = {{5, "+++++++++"}, {50, "++---+---+"}};
+  for (const auto& [milliseconds, expected] : cases) {
+    clock::UseStepped(1'000'000'000'000);
+    TestContext fresh(&port.port);
+    ASSERT_TRUE(aglSetCurrentContext(fresh.context));
+    SetFrameUse(&port.port, kHalvenorFrameTimely);
+    std::string shown;
+    while (shown.size() < expected.size()) {
+      const int before = port.frames;
+      EXPECT_TRUE(aglSetCurrentContext(fresh.context));
+      clock::UseStepped(clock::Now() + milliseconds * 1'000'000);
+      aglSwapBuffers(fresh.context);
+      shown += port.frames > before ? '+' : '-';
+      EXPECT_TRUE(aglSetCurrentContext(nullptr));
+    }
+    EXPECT_EQ(shown, expected) << milliseconds;
+    clock::UseRealTime();
   }
 }
 

@@ -103,13 +103,14 @@ Status TakeWindow(FourCharCode code, const VisualWindowMessage& window) {
   const bool native = isX11         ? shown.x11Window != 0
                       : isOffscreen ? shown.frameFinished != nullptr
                                     : shown.waylandDisplay && shown.waylandSurface;
-  Write(code, std::string(isX11         ? " x11"
-                          : isOffscreen ? " offscreen"
-                                        : " wayland") +
-                  (whole ? " whole " : " part ") + (native ? "native " : "nothing ") +
-                  std::to_string(window.drawRect.right) + "x" +
-                  std::to_string(window.drawRect.bottom) + " options " +
-                  std::to_string(window.options));
+  Write(code,
+        std::string(isX11         ? " x11"
+                    : isOffscreen ? " offscreen"
+                                  : " wayland") +
+            (whole ? " whole " : " part ") + (native ? "native " : "nothing ") +
+            std::to_string(window.drawRect.right) + "x" + std::to_string(window.drawRect.bottom) +
+            " options " + std::to_string(window.options) +
+            (code == message::kShow && shown.frameUse == kHalvenorFrameTimely ? " timely" : ""));
   if (code == message::kShow) {
     port = window.port;
     if (isOffscreen) StartDrawing();

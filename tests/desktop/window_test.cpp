@@ -1,5 +1,6 @@
 // The desktop program as people use it: real displays, real keys, what is seen.
 #include "tests/support/display_session.h"
+#include "tests/support/sound_files.h"
 
 #include <QtCore/QFile>
 #include <gtest/gtest.h>
@@ -61,17 +62,6 @@ int LitPixels(const QImage& picture) {
   QImage black(picture.size(), picture.format());
   black.fill(Qt::black);
   return DifferentPixels(picture, black);
-}
-
-// A WAV file of mono 16-bit sound, 8000 frames a second.
-QByteArray Silence(int seconds) {
-  const auto number = [](quint32 value, int size) {
-    return QByteArray(reinterpret_cast<const char*>(&value), size); // on little-endian machines
-  };
-  const auto size = static_cast<quint32>(16000 * seconds);
-  return "RIFF" + number(36 + size, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) + number(1, 2) +
-         number(8000, 4) + number(16000, 4) + number(2, 2) + number(16, 2) + "data" +
-         number(size, 4) + QByteArray(static_cast<int>(size), 0);
 }
 
 class WindowTest : public testing::TestWithParam<Desk> {
@@ -203,13 +193,15 @@ TEST_P(ExerciseTest, KeepsNothingOfWhatIsPast) {
 class OneDeskTest : public testing::Test {
 protected:
   std::unique_ptr<DisplaySession> desk = DisplaySession::StartX11(1);
-  QTemporaryDir folder;
+  SoundFolder files;
 
-  QString Write(const char* name, const QByteArray& contents) {
-    QFile file(folder.filePath(name));
-    EXPECT_TRUE(file.open(QFile::WriteOnly));
-    file.write(contents);
-    return file.fileName();
+  QString Silence(const char* name, double seconds) const {
+    return QString::fromStdString(files.Write(
+        name, "wavenc",
+        {.rate = 8000, .channels = 1, .seconds = seconds, .wave = [](double, int) { return 0; }}));
+  }
+  QString Text() const {
+    return QString::fromStdString(files.WriteBytes("notes.txt", "no sound in here\n"));
   }
 };
 
@@ -287,7 +279,7 @@ TEST_F(OneDeskTest, GoesOnWithoutSettings) {
 }
 
 TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
-  const QString tone = Write("One second.wav", Silence(1));
+  const QString tone = Silence("One second.wav", 1);
   Program program({"--plugin", FAKE_PLUGIN, tone}, desk->Environment());
   ASSERT_TRUE(Eventually([&] { return program.HasStart("[vstp]"); }));
   EXPECT_EQ(program.Last("[vply]"), "[vply] | One second");
@@ -302,7 +294,7 @@ TEST_F(OneDeskTest, IdlesAfterTheEndOfTheFile) {
 // The window and the settings window of the plug-in do; whoever asks by a terminal is answered in
 // English.
 TEST_F(OneDeskTest, SpeaksTheLanguageOfTheEnvironment) {
-  const QString text = Write("notes.txt", "no sound in here\n");
+  const QString text = Text();
   const struct {
     const char* language;
     const char* fault;
@@ -336,7 +328,7 @@ TEST_F(OneDeskTest, SpeaksTheLanguageOfTheEnvironment) {
 }
 
 TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
-  const QString text = Write("notes.txt", "no sound in here\n");
+  const QString text = Text();
   QProcessEnvironment nowhere = desk->Environment();
   nowhere.insert("DISPLAY", ":4711");
   const struct {
@@ -366,7 +358,7 @@ TEST_F(OneDeskTest, RefusesWhatItCannotStartWith) {
 
 // What goes wrong while there is a window is said in the window, too.
 TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
-  const QString text = Write("notes.txt", "no sound in here\n");
+  const QString text = Text();
   QProcessEnvironment noPicture = desk->Environment();
   noPicture.insert("HALVENOR_TEST_SHOW_STATUS", "1001");
   const struct {
@@ -376,8 +368,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
     int status; // a file more or less is no failure, but there is nothing without a picture
   } cases[] = {
       {text, desk->Environment(), "halvenor: " + text.toStdString(), EXIT_SUCCESS},
-      {Write("silence.wav", Silence(1)), noPicture, "halvenor: The picture cannot be shown",
-       EXIT_FAILURE},
+      {Silence("silence.wav", 1), noPicture, "halvenor: The picture cannot be shown", EXIT_FAILURE},
   };
   for (const auto& [medium, environment, line, status] : cases) {
     Program program({"--plugin", FAKE_PLUGIN, medium}, environment);
@@ -396,7 +387,7 @@ TEST_F(OneDeskTest, TellsOfFailuresInTheWindow) {
 TEST_F(OneDeskTest, TellsOfPresetsThatCannotBeSaved) {
   QProcessEnvironment readOnly = desk->Environment();
   readOnly.insert("XDG_DATA_HOME", "/proc/self");
-  Program program({Write("silence.wav", Silence(60))}, readOnly);
+  Program program({Silence("silence.wav", 60)}, readOnly);
   const auto bottom = [&] {
     return PixelsOf(qRgb(239, 239, 239), desk->Picture().copy(160, 560, 960, 150));
   };

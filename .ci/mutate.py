@@ -23,7 +23,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
+ROOT = Path(__file__).resolve().parents[1]
 TREE = ROOT / "build/mutants/tree"
 BUILD = TREE / "build/dev"
 NO_PRODUCT = {"tests", "bench", "resources", "docs", "packaging"}

@@ -8,6 +8,8 @@
 
 #include <array>
 #include <cstdint>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace halvenor::agl {
@@ -24,7 +26,7 @@ public:
     Pixels pixels{port_.destination, port_.destinationStride};
     if (pixels.topRow == nullptr) {
       // Bottom row first, as OpenGL has it.
-      frame_.resize(static_cast<std::size_t>(bytes * picture.port.height));
+      if (!MakeRoom(static_cast<std::size_t>(bytes * picture.port.height))) return;
       pixels = {frame_.data() + bytes * (picture.port.height - 1), -bytes};
     }
     reader_.Read(picture, pixels);
@@ -34,9 +36,24 @@ public:
   }
 
 private:
+  bool MakeRoom(std::size_t bytes) {
+    if (frame_.size() == bytes) return true;
+    try {
+      frame_ = {}; // rather than both at once
+      frame_.resize(bytes);
+    } catch (const std::bad_alloc&) {
+      if (!std::exchange(loggedLoss_, true))
+        Log("no memory for pictures of this size; they are lost");
+      return false;
+    }
+    loggedLoss_ = false;
+    return true;
+  }
+
   const HalvenorPort& port_;
   FrameReader reader_;
   std::vector<std::uint8_t> frame_;
+  bool loggedLoss_ = false;
 };
 
 /// EGL is never terminated here: its display is one for the whole process, which others may use,

@@ -70,6 +70,22 @@ TEST_F(OffscreenTest, TheBufferRectangleIsHonoredAndCutAtTheEdge) {
   EXPECT_EQ(port.frames, frames);
 }
 
+// The host's memory is where frames lie, with the black around a part of the port.
+TEST_F(OffscreenTest, FramesGoStraightToTheHostsMemory) {
+  HostMemory memory(port);
+  Place(10, 5, 16, 12);
+  for (const bool turns : {false, true}) {
+    if (turns) memory.TurnOver(port);
+    DrawQuarters(16, 12);
+    aglSwapBuffers(context.context);
+    EXPECT_EQ(port.topRow, port.port.destination);
+    EXPECT_EQ(QuartersFault(port.image, 10, 1, 16, 12), "");
+    EXPECT_EQ(memory.At(10, 1), kRed);
+    EXPECT_EQ(memory.At(9, 1), kBlack);
+    EXPECT_EQ(memory.Trespasses(), 0);
+  }
+}
+
 // A port that is smaller than its window fills it, in its own proportions, in the middle of black;
 // and no longer once the sizes agree.
 TEST_F(OffscreenTest, PicturesAreScaledToTheirWindow) {

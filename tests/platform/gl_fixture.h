@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -159,11 +160,13 @@ public:
 
   HalvenorPort port{};
   Image image;
+  const std::uint8_t* topRow = nullptr; ///< where the last frame lay
   int frames = 0;
 
 private:
   void Receive(const HalvenorFrame& frame) {
     ++frames;
+    topRow = frame.topRow;
     image = {frame.width, frame.height, {}};
     for (int y = 0; y < frame.height; ++y) {
       const std::uint8_t* row = frame.topRow + y * frame.stride;
@@ -171,6 +174,48 @@ private:
         image.pixels.push_back({row[x * 4], row[x * 4 + 1], row[x * 4 + 2]});
     }
   }
+};
+
+/// Memory of a host for the frames of a port, with room around each row.
+class HostMemory {
+public:
+  explicit HostMemory(OffscreenPort& port)
+      : width_(port.port.bounds.right), height_(port.port.bounds.bottom),
+        bytes_(Stride() * static_cast<std::size_t>(height_ + 2), kUntouched) {
+    port.port.destination = Row(0);
+    port.port.destinationStride = static_cast<std::ptrdiff_t>(Stride());
+  }
+
+  /// Rows from the bottom up.
+  void TurnOver(OffscreenPort& port) {
+    port.port.destination = Row(height_ - 1);
+    port.port.destinationStride = -static_cast<std::ptrdiff_t>(Stride());
+    turned_ = true;
+  }
+
+  [[nodiscard]] Pixel At(int x, int y) {
+    const std::uint8_t* const pixel = Row(turned_ ? height_ - 1 - y : y) + std::ptrdiff_t{4} * x;
+    return {pixel[0], pixel[1], pixel[2]};
+  }
+
+  /// How many bytes around the picture were written to.
+  [[nodiscard]] std::ptrdiff_t Trespasses() const {
+    const auto untouched = std::count(bytes_.begin(), bytes_.end(), kUntouched);
+    return static_cast<std::ptrdiff_t>(bytes_.size()) - untouched -
+           std::ptrdiff_t{4} * width_ * height_;
+  }
+
+private:
+  static constexpr std::uint8_t kUntouched = 0x5a;
+  [[nodiscard]] std::size_t Stride() const { return static_cast<std::size_t>(4 * width_ + 20); }
+  std::uint8_t* Row(int y) {
+    return bytes_.data() + Stride() * static_cast<std::size_t>(y + 1) + 8;
+  }
+
+  int width_;
+  int height_;
+  std::vector<std::uint8_t> bytes_;
+  bool turned_ = false;
 };
 
 } // namespace halvenor

@@ -7,8 +7,9 @@ namespace halvenor::raster {
 namespace {
 
 constexpr int kMostThreads = 64;
-// Passes of a frame follow each other within microseconds; to sleep between them costs more.
-constexpr int kSpins = 2000;
+// Passes of a frame follow each other within microseconds; to sleep between them costs more. Some
+// ten microseconds: whoever takes the pictures wants the cores as well.
+constexpr int kSpins = 200;
 
 std::uint32_t JobOf(std::uint64_t next) {
   return static_cast<std::uint32_t>(next >> 32);

@@ -3,7 +3,8 @@
 #include "raster/kernels.h"
 
 #include <algorithm>
-#include <cstring>
+#include <set>
+#include <utility>
 
 namespace halvenor::raster {
 namespace {
@@ -47,6 +48,18 @@ void AddAlpha(const Version& version, const Band& band) {
     std::fill_n(band.rows.At(y, 3), version.width, static_cast<Component>(kOne));
 }
 
+/// How many sources the quads resample, each counted once.
+std::size_t NumSources(const Version& version) {
+  std::set<std::pair<const void*, const void*>> sources;
+  for (const Command& command : version.commands)
+    if (const auto* const quad = std::get_if<Quad>(&command))
+      for (const Source& source : quad->sources)
+        sources.emplace(source.version ? static_cast<const void*>(source.version.get())
+                                       : source.level.get(),
+                        source.across.get());
+  return sources.size();
+}
+
 void FinishRows(const Version& version, const Band& band) {
   const int width = version.width;
   for (int y = band.begin; y < band.end; ++y) {
@@ -77,6 +90,7 @@ bool Scratch::Fit(const Version& version, bool withBand) {
   if (withBand && !isWide(band_)) band_ = Image(version.width, kBandRows);
   if (!isWide(colors_)) colors_ = Image(version.width, 2);
   if (!isWide(rows_)) rows_ = Image(version.width, static_cast<int>(kRows));
+  used_ = std::clamp(2 * NumSources(version), std::size_t{2}, kRows);
   return colors_ && rows_ && (!withBand || band_);
 }
 
@@ -87,7 +101,7 @@ void Scratch::Forget() {
 const Component* const* Scratch::Resampled(const Source& source, int row, int pixels) {
   const Image& image = source.version ? source.version->image : *source.level;
   std::size_t oldest = 0;
-  for (std::size_t i = 0; i < kRows; ++i) {
+  for (std::size_t i = 0; i < used_; ++i) {
     CachedRow& cached = cached_[i];
     if (cached.image == &image && cached.row == row && cached.across == source.across.get()) {
       cached.order = ++order_;

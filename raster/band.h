@@ -57,6 +57,7 @@ public:
 
 private:
   static constexpr std::size_t kRows = 12;
+  std::size_t used_ = kRows; ///< two for each source: no more than the nearest cache holds
   Image band_;
   Image colors_;
   Image rows_;

@@ -354,7 +354,23 @@ void ToBytes(const Component* const* planes, bool swaps, std::uint8_t* bytes, in
   const Component* const third = planes[swaps ? 0 : 2];
   const Component* const alpha = planes[3];
   int i = 0;
-#if HWY_TARGET != HWY_SCALAR
+#if HWY_TARGET <= HWY_AVX2 && HWY_ARCH_X86
+  const hn::FixedTag<std::int16_t, 16> d;
+  const auto byte = [=](const Component* row, int at) {
+    return Times(d, hn::LoadU(d, row + at), Broadcast(d, 255));
+  };
+  for (; i + 16 <= n; i += 16) {
+    const auto low = hn::Or(byte(first, i), hn::ShiftLeft<8>(byte(second, i)));
+    const auto a = alpha != nullptr ? byte(alpha, i) : Broadcast(d, 255);
+    const auto high = hn::Or(byte(third, i), hn::ShiftLeft<8>(a));
+    // Pixels 0 to 3 and 8 to 11; 4 to 7 and 12 to 15.
+    const auto even = hn::InterleaveLower(d, low, high);
+    const auto odd = hn::InterleaveUpper(d, low, high);
+    auto* const place = reinterpret_cast<std::int16_t*>(bytes + std::ptrdiff_t{4} * i);
+    hn::StoreU(hn::ConcatLowerLower(d, odd, even), d, place);
+    hn::StoreU(hn::ConcatUpperUpper(d, odd, even), d, place + 16);
+  }
+#elif HWY_TARGET != HWY_SCALAR
   const hn::ScalableTag<std::uint8_t> d8;
   const hn::Half<decltype(d8)> half8;
   const hn::ScalableTag<std::int16_t> d16;

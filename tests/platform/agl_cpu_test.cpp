@@ -1,7 +1,7 @@
 // Contexts that the processor draws, and what a host can do to their ports.
 #include "platform/gl_choice.h"
 #include "tests/platform/gl_fixture.h"
-#include "tests/support/memory_in_use.h"
+#include "tests/support/process_use.h"
 
 #include <gmock/gmock.h>
 

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace halvenor::raster {
 namespace {
@@ -132,6 +134,81 @@ TEST(Calls, TextBeginsOnlyInsideTheView) {
     const bool isSet = i == 56 || i == 58 || i == 60 || i == 62;
     EXPECT_EQ(pixels[4 * i], isSet ? 255 : 0) << i;
   }
+}
+
+// Rows that are known to be black are skipped; whatever is drawn there has to show, and to go.
+TEST(Targets, ShowWhatIsDrawnOnBlackAndNoLonger) {
+  constexpr int kSide = 32;
+  const struct {
+    const char* name;
+    GLenum mode;
+    std::vector<std::array<float, 2>> corners;
+  } tests[] = {
+      {"flat line", GL_LINES, {{-0.5F, 0.1F}, {0.5F, 0.2F}}},
+      {"steep line", GL_LINES, {{0.1F, -0.5F}, {0.2F, 0.5F}}},
+      {"point", GL_POINTS, {{0.3F, 0.3F}}},
+      {"flat triangle", GL_TRIANGLES, {{-0.5F, 0.1F}, {0.5F, 0.1F}, {0.5F, 0.4F}}},
+      {"steep triangle", GL_TRIANGLES, {{0.1F, -0.5F}, {0.1F, 0.5F}, {0.4F, 0.5F}}},
+      {"box", GL_QUADS, {{-0.2F, -0.2F}, {0.2F, -0.2F}, {0.2F, 0.2F}, {-0.2F, 0.2F}}},
+  };
+  Context context;
+  Context::MakeCurrent(&context);
+  const Table& gl = Context::Functions();
+  const Target trails = Target::Make(kSide, kSide);
+  const Target window = Target::Make(kSide, kSide);
+  GLuint texture = 0;
+  gl.glGenTextures(1, &texture);
+  gl.glBindTexture(GL_TEXTURE_2D, texture);
+  gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+  ASSERT_TRUE(context.ShowInBoundTexture(trails));
+  gl.glViewport(0, 0, kSide, kSide);
+  gl.glClearColor(0, 0, 0, 1);
+  gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+  const auto litPixels = [&] {
+    context.Bind(window);
+    gl.glDisable(GL_BLEND);
+    gl.glEnable(GL_TEXTURE_2D);
+    gl.glColor4f(1, 1, 1, 1);
+    gl.glBegin(GL_TRIANGLE_STRIP);
+    for (const auto& [x, y] : {std::pair{0.0F, 0.0F}, {1.0F, 0.0F}, {0.0F, 1.0F}, {1.0F, 1.0F}}) {
+      gl.glTexCoord2f(x, y);
+      gl.glVertex3f(2 * x - 1, 2 * y - 1, 0);
+    }
+    gl.glEnd();
+    gl.glDisable(GL_TEXTURE_2D);
+    std::array<std::uint8_t, std::size_t{4} * kSide * kSide> pixels{};
+    Destination to;
+    to.width = to.height = kSide;
+    to.topRow = pixels.data();
+    to.stride = std::ptrdiff_t{4} * kSide;
+    EXPECT_TRUE(context.Finish(window, to));
+    int lit = 0;
+    for (std::size_t i = 0; i < pixels.size(); i += 4)
+      lit += pixels[i] != 0 ? 1 : 0;
+    return lit;
+  };
+  const auto clear = [&] {
+    context.Bind(trails);
+    gl.glClear(GL_COLOR_BUFFER_BIT);
+  };
+  clear();
+  for (const auto& test : tests)
+    for (const GLenum blending : {GL_BLEND, 0}) {
+      SCOPED_TRACE(testing::Message() << test.name << (blending != 0 ? ", added" : ""));
+      EXPECT_EQ(litPixels(), 0);
+      context.Bind(trails);
+      if (blending != 0) gl.glEnable(blending);
+      gl.glBegin(test.mode);
+      float red = 1.0F;
+      for (const auto& [x, y] : test.corners) {
+        gl.glColor4f(red, 0, 0, 1);
+        if (test.mode == GL_TRIANGLES) red -= 0.2F;
+        gl.glVertex3f(x, y, 0);
+      }
+      gl.glEnd();
+      EXPECT_GT(litPixels(), 0);
+      clear();
+    }
 }
 
 TEST(Targets, OfSizesThatCannotBeAreEmpty) {

@@ -20,7 +20,7 @@ private:
     return plain;
   }
 
-  const locale_t before_;
+  locale_t before_;
 };
 
 } // namespace halvenor

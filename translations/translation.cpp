@@ -18,7 +18,7 @@ std::string FromQt(const char* context, const char* text) {
 
 QString LocaleOfMessages() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    if (const QString locale = qEnvironmentVariable(name); !locale.isEmpty()) return locale;
+    if (QString locale = qEnvironmentVariable(name); !locale.isEmpty()) return locale;
   }
   return QStringLiteral("C");
 }

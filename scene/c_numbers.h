@@ -9,8 +9,8 @@ namespace halvenor {
 /// process to one that prints a comma.
 class CNumbers {
 public:
-  CNumbers() : before_(uselocale(Plain())) {}
-  ~CNumbers() { uselocale(before_); }
+  CNumbers() : before(uselocale(Plain())) {}
+  ~CNumbers() { uselocale(before); }
   CNumbers(const CNumbers&) = delete;
   CNumbers& operator=(const CNumbers&) = delete;
 
@@ -20,7 +20,7 @@ private:
     return plain;
   }
 
-  locale_t before_;
+  locale_t before;
 };
 
 } // namespace halvenor

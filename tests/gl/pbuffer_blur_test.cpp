@@ -31,7 +31,7 @@ protected:
 
 // The pictures are drawn with programs.
 TEST_F(PBufferBlurTest, WithoutProgramsItAddsShiftedCopies) {
-  const auto expectCopies = [](double spread, const char* color) {
+  const auto expectCopies = [](double spread, int texture, const char* color) {
     const auto corners = stand_ins::CallsOf("glVertex3f");
     ASSERT_EQ(corners.size(), 20U);
     const double copies[5][2] = {{0, 0}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
@@ -39,14 +39,16 @@ TEST_F(PBufferBlurTest, WithoutProgramsItAddsShiftedCopies) {
       for (std::size_t axis = 0; axis < 2; ++axis)
         EXPECT_NEAR(corners[4 * copy].arguments[axis], copies[copy][axis] * spread - 1, 1e-6);
     EXPECT_EQ(stand_ins::CallsOf("glColor4f").back().text, color);
+    ASSERT_FALSE(stand_ins::CallsOf("glBindTexture").empty());
+    EXPECT_EQ(stand_ins::CallsOf("glBindTexture").back().arguments[1], texture);
     stand_ins::ClearCalls();
   };
   stand_ins::SetExtensions("");
   CreateAndDraw();
   blur_.GenerateBlur();
-  expectCopies(0.008, "glColor4f(1, 1, 1, 0.5)");
+  expectCopies(0.008, 1, "glColor4f(1, 1, 1, 0.5)");
   blur_.DrawBlur();
-  expectCopies(0.01, "glColor4f(0.5, 0.5, 0.5, 0.2)");
+  expectCopies(0.01, 3, "glColor4f(0.5, 0.5, 0.5, 0.2)");
 }
 
 TEST_F(PBufferBlurTest, TheImplementationFollowsTheContext) {

@@ -193,7 +193,7 @@ TEST(Targets, ShowWhatIsDrawnOnBlackAndNoLonger) {
   };
   clear();
   for (const auto& test : tests)
-    for (const GLenum blending : {GL_BLEND, 0}) {
+    for (const GLenum blending : {GLenum{GL_BLEND}, GLenum{0}}) {
       SCOPED_TRACE(testing::Message() << test.name << (blending != 0 ? ", added" : ""));
       EXPECT_EQ(litPixels(), 0);
       context.Bind(trails);

@@ -6,7 +6,7 @@
 namespace halvenor {
 namespace {
 
-constexpr int kSide = 16;
+constexpr int kUnseenSide = 16;
 constexpr GLuint kBlueTexel = 0xffff0000; // bytes R, G, B, A
 
 /// An offscreen buffer and the texture that shows it.
@@ -45,16 +45,16 @@ protected:
     SetFrameUse(&port.port, use);
     EXPECT_TRUE(aglSetPBuffer(context.context, buffer.buffer, 0, 0, 0));
     SetFrameUse(&port.port, kHalvenorFrameUndrawn); // of no account once it has begun
-    glViewport(0, 0, kSide, kSide);
+    glViewport(0, 0, kUnseenSide, kUnseenSide);
   }
   void GoOnInPort() {
     aglSwapBuffers(context.context);
     EXPECT_TRUE(aglSetDrawable(context.context, &port.port));
     EXPECT_TRUE(aglSetCurrentContext(context.context));
-    glViewport(0, 0, 2 * kSide, kSide);
+    glViewport(0, 0, 2 * kUnseenSide, kUnseenSide);
   }
 
-  OffscreenPort port{2 * kSide, kSide};
+  OffscreenPort port{2 * kUnseenSide, kUnseenSide};
   TestContext context{&port.port};
 };
 
@@ -63,7 +63,8 @@ TEST_P(UnseenFrameTest, DropsWhatIsDrawnAndKeepsWhatIsMade) {
     SCOPED_TRACE(use);
     ASSERT_TRUE(aglSetCurrentContext(context.context));
     ShownBuffer buffer;
-    EXPECT_TRUE(aglCreatePBuffer(kSide, kSide, GL_TEXTURE_2D, GL_RGBA, 0, &buffer.buffer));
+    EXPECT_TRUE(
+        aglCreatePBuffer(kUnseenSide, kUnseenSide, GL_TEXTURE_2D, GL_RGBA, 0, &buffer.buffer));
     glGenTextures(1, &buffer.texture);
     glBindTexture(GL_TEXTURE_2D, buffer.texture);
     EXPECT_TRUE(aglTexImagePBuffer(context.context, buffer.buffer, GL_FRONT));
@@ -82,7 +83,8 @@ TEST_P(UnseenFrameTest, DropsWhatIsDrawnAndKeepsWhatIsMade) {
     const GLuint list = glGenLists(1);
     std::int16_t family = 0;
     GetFNum(reinterpret_cast<const unsigned char*>("\011Helvetica"), &family);
-    EXPECT_TRUE(aglUseFont(context.context, family, 0, kSide, 'H', 1, static_cast<GLint>(list)));
+    EXPECT_TRUE(
+        aglUseFont(context.context, family, 0, kUnseenSide, 'H', 1, static_cast<GLint>(list)));
     glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
     Paint(texture, -1.0F, 1.0F);
     glEnable(GL_TRIANGLES);
@@ -104,11 +106,11 @@ TEST_P(UnseenFrameTest, DropsWhatIsDrawnAndKeepsWhatIsMade) {
     aglSwapBuffers(context.context);
     ASSERT_EQ(port.frames, shown + 1);
     EXPECT_EQ(port.image.At(3, 3), use == kHalvenorFrameTrailsOnly ? kRed : kGreen);
-    EXPECT_EQ(port.image.At(kSide + 3, 3), kBlue);
+    EXPECT_EQ(port.image.At(kUnseenSide + 3, 3), kBlue);
     bool isWritten = false;
-    for (int i = 0; i < kSide * kSide / 2; ++i)
-      isWritten =
-          isWritten || port.image.At(3 * kSide / 2 + i % (kSide / 2), i / (kSide / 2)) == kWhite;
+    for (int i = 0; i < kUnseenSide * kUnseenSide / 2; ++i)
+      isWritten = isWritten || port.image.At(3 * kUnseenSide / 2 + i % (kUnseenSide / 2),
+                                             i / (kUnseenSide / 2)) == kWhite;
     EXPECT_TRUE(isWritten);
     glDeleteTextures(1, &texture);
     glDeleteLists(list, 1);

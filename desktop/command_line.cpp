@@ -55,7 +55,7 @@ void Describe(QCommandLineParser& parser) {
                                    "installed one."),
                     QStringLiteral("PATH")});
   parser.addOption(
-      {kVerbose, QStringLiteral("Shows everything that the visualizer logs, not only errors.")});
+      {kVerbose, QStringLiteral("Show everything that the visualizer logs, not only errors.")});
   parser.addOption({QStringLiteral("control"),
                     QStringLiteral("Send a command to the running program (see below). Must be "
                                    "the first option."),

@@ -22,7 +22,7 @@ thread_local ThreadState thisThread;
 } // namespace
 
 HalvenorContext* HalvenorContext::Current() {
-  // Somebody else may have made a context of his own current since.
+  // Somebody else may have made another context current since.
   const bool isOurs = thisThread.backend != nullptr && thisThread.backend->IsCurrent();
   return isOurs ? thisThread.context : nullptr;
 }

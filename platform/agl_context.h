@@ -21,7 +21,6 @@ struct HalvenorPixelFormat {
 ///
 /// Members return the error that the C functions leave pending. Threads: see agl.h.
 struct HalvenorContext {
-public:
   explicit HalvenorContext(const HalvenorPixelFormat& format) : depth_(format.depth) {}
   ~HalvenorContext() = default;
   HalvenorContext(const HalvenorContext&) = delete;

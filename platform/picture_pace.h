@@ -12,7 +12,7 @@ class PicturePace {
 public:
   /// A show with 50 frames a second is in time.
   static constexpr std::uint64_t kInterval = 20'000'000;
-  /// Something moves all the same: this many frames in a row are without a picture at most.
+  /// At most this many frames in a row have no picture, so that something still moves.
   static constexpr int kMostSkipped = 3;
 
   /// Whether a frame that begins at `now` is to have its picture.

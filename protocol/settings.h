@@ -76,8 +76,7 @@ enum class SettingType { Real, Integer, Flag, Color };
 enum class SettingGroup { Picture, Drawing, Colors, Texts, Screen };
 
 /// How the settings window shows an integer that people count in another unit, with one value that
-/// means "without end". Its texts are in English,
-/// marked for translation.
+/// means "without end". Its texts are in English, marked for translation.
 struct ShownMeasure {
   const char* unit;
   double minimum; ///< in that unit, as the next two
@@ -135,9 +134,10 @@ void StoreField(Settings& settings, const SettingField& field, const Value& valu
 /// The field called `name` (exact spelling), or null.
 const SettingField* FindSetting(std::string_view name);
 
-/// Sets `field` from `text`: a number, "on"/"off"/"true"/"false"/"yes"/"no"/0/1 for a flag,
-/// "R,G,B" for a color, the name of a choice in any case. On failure returns what is wrong, ready
-/// to be shown, and leaves `settings` as it was. Values outside the field's range are refused.
+/// Sets `field` from `text`: a number, "on"/"off", "true"/"false", "yes"/"no", "enabled"/"disabled"
+/// or 1/0 for a flag, "R,G,B" for a color, the name of a choice in any case. On failure returns
+/// what is wrong, ready to be shown, and leaves `settings` as it was. Values outside the field's
+/// range are refused.
 std::optional<std::string> SetFromText(Settings& settings, const SettingField& field,
                                        std::string_view text);
 

@@ -184,7 +184,7 @@ private:
 
   void AppendQuad(Quad quad, int sourceAlpha) {
     if (geometry_.box.IsEmpty()) return;
-    bool replaces = blend_ == Blend{};
+    const bool replaces = blend_ == Blend{};
     const bool adds = blend_ == Blend{GL_SRC_ALPHA, GL_ONE} || blend_ == Blend{GL_ONE, GL_ONE} ||
                       blend_ == Blend{GL_ONE, GL_ONE_MINUS_SRC_COLOR};
     // Added to black, it is what is there afterwards.

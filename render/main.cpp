@@ -15,8 +15,10 @@
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <optional>
+#include <span>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -54,7 +56,7 @@ public:
   explicit Run(const Options& options) : options_(options) {}
 
   /// Opens outputs, then inputs: an output that cannot be written fails before any work.
-  bool Open(int frames);
+  bool Open(int framesDescriptor);
   /// Everything up to the end of the sound or the first stop signal.
   bool Perform();
   /// Brings the outputs under their names.
@@ -80,13 +82,13 @@ private:
   std::size_t key_ = 0;     ///< the next to be pressed
 };
 
-bool Run::Open(int frames) {
+bool Run::Open(int framesDescriptor) {
   if (!options_.output.empty() && SameFile(options_.input, options_.output)) {
     error_ = "the output would replace the input " + options_.input;
     return false;
   }
   if (!options_.output.empty() &&
-      !(output_ = OpenOutput(options_, !options_.input.empty(), frames, error_)))
+      !(output_ = OpenOutput(options_, !options_.input.empty(), framesDescriptor, error_)))
     return false;
   if (!options_.dumpFile.empty() && !(dump_ = PendingFile::Create(options_.dumpFile))) {
     error_ = dump_.Problem();
@@ -185,10 +187,10 @@ int Main(int argc, const char* const* argv) {
     return Fail(kFailure, error);
 
   const StopSignals stopSignals;
-  const int frames = TakeStandardOutput();
+  const int framesDescriptor = TakeStandardOutput();
   try {
     Run run(options);
-    if (run.Open(frames) && run.Perform() && run.Finish()) {
+    if (run.Open(framesDescriptor) && run.Perform() && run.Finish()) {
       if (const std::string warning = run.Warning(); !warning.empty()) Tell(warning);
       return 0;
     }

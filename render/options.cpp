@@ -169,13 +169,13 @@ Problem ParseAssignments(const std::vector<std::string>& texts, Options& options
 }
 
 Problem ParseKeys(const std::vector<std::string>& texts, Options& options) {
-  constexpr double kLatest = 1e9; // seconds
   for (const std::string& text : texts) {
     const std::size_t colon = text.find(':');
     double seconds = 0;
     const char* const end = text.data() + std::min(colon, text.size());
     const auto [stop, error] = std::from_chars(text.data(), end, seconds);
-    const bool isTime = error == std::errc() && stop == end && seconds >= 0 && seconds <= kLatest;
+    const bool isTime =
+        error == std::errc() && stop == end && seconds >= 0 && seconds <= kMaxSeconds;
     if (colon == text.npos || !isTime || colon + 1 == text.size())
       return "--keys: '" + text + "' is not of the form T:CHARS, for example 2.5:h";
     const auto time = static_cast<std::uint64_t>(seconds * double{kNanosecondsPerSecond});

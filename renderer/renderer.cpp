@@ -20,7 +20,7 @@ constexpr float kFirstFrameScale = 1.0F;
 // enough.
 constexpr int kDirectDrawings = 3;
 
-constexpr double kDegree = 3.1415829 / 180;
+constexpr double kDegree = 3.1415829 / 180; // not quite pi: looks were made with this one
 
 // Between these a smoothed zoom has its copies. The settings window's zooms need 22 at most; with
 // the others, of a stored block, more copies would only be fainter, and cost the time of as many

@@ -91,9 +91,8 @@ public:
   [[nodiscard]] double Position() const; ///< seconds
   /// Seconds; none for what has no end.
   [[nodiscard]] std::optional<double> Length() const;
-  [[nodiscard]] double Volume() const {
-    return queue_.Media().Volume();
-  } ///< 0..1 as people hear it
+  /// 0..1 as people hear it.
+  [[nodiscard]] double Volume() const { return queue_.Media().Volume(); }
   [[nodiscard]] bool IsMuted() const { return queue_.Media().IsMuted(); }
   /// The delay of the output device in use, milliseconds (`SoundSettings::Delay`).
   [[nodiscard]] int Delay() const { return delay_; }

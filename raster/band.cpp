@@ -3,6 +3,7 @@
 #include "raster/kernels.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <utility>
 
@@ -88,6 +89,11 @@ void RowPlaces::Blacken(int y, int width) const {
 bool Scratch::Fit(const Version& version, bool withBand) {
   const auto isWide = [&](const Image& image) { return image && image.Width() >= version.width; };
   if (withBand && !isWide(band_)) band_ = Image(version.width, kBandRows);
+  // Of rows that a narrower picture made black, what lies beyond its width is not.
+  if (withBand && version.width != bandWidth_) {
+    if (band_) std::memset(band_.BlackMarks(), 0, kBandRows);
+    bandWidth_ = version.width;
+  }
   if (!isWide(colors_)) colors_ = Image(version.width, 2);
   if (!isWide(rows_)) rows_ = Image(version.width, static_cast<int>(kRows));
   used_ = std::clamp(2 * NumSources(version), std::size_t{2}, kRows);
@@ -96,6 +102,7 @@ bool Scratch::Fit(const Version& version, bool withBand) {
 
 void Scratch::Forget() {
   cached_.fill({});
+  order_ = 0;
 }
 
 const Component* const* Scratch::Resampled(const Source& source, int row, int pixels) {

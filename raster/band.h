@@ -59,6 +59,7 @@ private:
   static constexpr std::size_t kRows = 12;
   std::size_t used_ = kRows; ///< two for each source: no more than the nearest cache holds
   Image band_;
+  int bandWidth_ = 0; ///< of the picture that `band_` was last used for
   Image colors_;
   Image rows_;
   std::array<CachedRow, kRows> cached_;

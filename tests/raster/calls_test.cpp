@@ -211,6 +211,40 @@ TEST(Targets, ShowWhatIsDrawnOnBlackAndNoLonger) {
     }
 }
 
+// Targets share their scratch rows; what a narrow one makes black is not black in a wide one.
+TEST(Targets, LeaveNothingToEachOther) {
+  constexpr int kWide = 64;
+  constexpr int kRows = 16;
+  Context context;
+  context.SetThreads(1);
+  Context::MakeCurrent(&context);
+  const Table& gl = Context::Functions();
+  std::vector<std::uint8_t> pixels(std::size_t{4} * kWide * kRows);
+  const auto draw = [&](int width, float red, bool withPoint) {
+    const Target target = Target::Make(width, kRows);
+    context.Bind(target);
+    gl.glViewport(0, 0, width, kRows);
+    gl.glClearColor(red, 0, 0, 1);
+    gl.glClear(GL_COLOR_BUFFER_BIT);
+    gl.glBegin(GL_POINTS);
+    if (withPoint) gl.glVertex3f(-0.5F, 0, 0);
+    gl.glEnd();
+    Destination to;
+    to.width = width;
+    to.height = kRows;
+    to.topRow = pixels.data();
+    to.stride = std::ptrdiff_t{4} * width;
+    EXPECT_TRUE(context.Finish(target, to));
+  };
+  draw(kWide, 1, true);
+  draw(kWide / 4, 0, false);
+  draw(kWide, 0, true);
+  int lit = 0;
+  for (std::size_t i = 0; i < pixels.size(); i += 4)
+    lit += pixels[i] != 0 ? 1 : 0;
+  EXPECT_EQ(lit, 1);
+}
+
 TEST(Targets, OfSizesThatCannotBeAreEmpty) {
   for (const auto& [width, height] : {std::pair(0, 1), {1, -1}, {16385, 1}, {1, 1 << 30}})
     EXPECT_FALSE(Target::Make(width, height));

@@ -55,6 +55,14 @@ void DropErrors() {
   }
 }
 
+void TurnUpsideDown(Size size, const Pixels& pixels) {
+  const auto bytes = static_cast<std::ptrdiff_t>(size.width) * 4;
+  for (GLsizei above = 0, below = size.height - 1; above < below; ++above, --below) {
+    std::uint8_t* const row = pixels.topRow + pixels.stride * above;
+    std::swap_ranges(row, row + bytes, pixels.topRow + pixels.stride * below);
+  }
+}
+
 } // namespace
 
 RenderTarget::~RenderTarget() {
@@ -122,16 +130,12 @@ void RenderTarget::Read(GLint x, GLint y, Size size, const Pixels& pixels) {
   glPixelStorei(GL_PACK_SKIP_PIXELS, 0);
   glPixelStorei(GL_PACK_SWAP_BYTES, GL_FALSE);
   if (inverts) glPixelStorei(GL_PACK_INVERT_MESA, GL_TRUE);
-  if (inverts || !topFirst) {
-    std::uint8_t* const first =
-        topFirst ? pixels.topRow : pixels.topRow + pixels.stride * (size.height - 1);
-    glReadPixels(x, y, size.width, size.height, format, type, first);
-  } else {
-    for (GLint row = 0; row < size.height; ++row)
-      glReadPixels(x, y + size.height - 1 - row, size.width, 1, format, type,
-                   pixels.topRow + pixels.stride * row);
-  }
+  std::uint8_t* const first =
+      topFirst ? pixels.topRow : pixels.topRow + pixels.stride * (size.height - 1);
+  glReadPixels(x, y, size.width, size.height, format, type, first);
   glPopClientAttrib();
+  // A call for each row would wait for the driver as often.
+  if (topFirst && !inverts) TurnUpsideDown(size, pixels);
 }
 
 void RenderTarget::Bind() const {

@@ -2,7 +2,7 @@
 #include "gl/diagnostics.h"
 #include "protocol/configuration_entries.h"
 #include "shell/configuration_bridge.h"
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 #include <atomic>
 #include <chrono>

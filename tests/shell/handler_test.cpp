@@ -1,4 +1,4 @@
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 namespace halvenor {
 namespace {

@@ -1,6 +1,6 @@
 // Hosts that send messages from inside the plug-in's requests.
 #include "platform/guard.h"
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 namespace halvenor {
 namespace {

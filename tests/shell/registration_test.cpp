@@ -1,5 +1,5 @@
 #include "shell/host_requests.h"
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 #include <array>
 #include <pthread.h>

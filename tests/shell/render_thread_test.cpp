@@ -1,6 +1,6 @@
 // The render thread under a host's hands. Runs under the thread sanitizer, too.
 #include "shell/render_thread.h"
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 #include <atomic>
 #include <chrono>

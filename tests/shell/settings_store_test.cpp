@@ -1,6 +1,6 @@
 #include "platform/guard.h"
 #include "shell/settings_store.h"
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 
 namespace halvenor {
 namespace {

@@ -1,5 +1,5 @@
 // Once a show runs, it takes no memory: an allocation in a frame can wait for another thread's.
-#include "tests/shell/test_host.h"
+#include "tests/shell/shell_test.h"
 #include "tests/stand_ins/allocation_counter.h"
 
 #include <algorithm>

@@ -1,11 +1,9 @@
 // A host for the handler's suites: answers requests as it is told to and sends messages.
 #pragma once
 
-#include "platform/clock.h"
 #include "protocol/visual_plugin_data.h"
 #include "shell/plugin_state.h"
 #include "shell/registration.h"
-#include "tests/stand_ins/stand_in_test.h"
 
 #include <algorithm>
 #include <cstring>
@@ -107,23 +105,6 @@ private:
     if (const auto found = inside.find(code); found != inside.end()) found->second();
     return answers[code];
   }
-};
-
-/// A case with a host, whose plug-in leaves nothing behind.
-class ShellTest : public stand_ins::StandInTest {
-protected:
-  void TearDown() override {
-    if (host_.refCon != nullptr) host_.Send(message::kCleanup);
-    EXPECT_FALSE(mutex.HeldByThisThread());
-    EXPECT_EQ(rendering, 0);
-    EXPECT_EQ(renderThreadExists, 0);
-    EXPECT_EQ(stand_ins::LiveContexts(), 0);
-    StandInTest::TearDown();
-  }
-  static clock::StepResult Step() { return clock::Step(clock::Now() + 1000000000 / 60); }
-
-  HalvenorPort port_ = stand_ins::OffscreenPort(640, 480);
-  TestHost host_;
 };
 
 /// A length-prefixed string written to `target`.
